@@ -1,0 +1,67 @@
+// The Windows file system as a service.
+#pragma once
+#include <memory>
+
+#include "WinTypes.h"
+
+namespace tc {
+
+struct FileInfo {
+  String Name;  // last path component, as stored
+  uint64_t Size = 0;
+  uint32_t Attributes = 0;
+  int64_t LastWriteTime = 0;  // FILETIME: 100 ns units since 1601-01-01 UTC
+  bool IsDirectory() const { return (Attributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
+  bool IsReparsePoint() const { return (Attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0; }
+};
+
+// An open file; positional I/O so no hidden file pointer. Closed on destruction.
+class IFileHandle {
+ public:
+  virtual ~IFileHandle() = default;
+  virtual uint32_t Read(uint64_t offset, void* buffer, size_t size, size_t& done) = 0;
+  // ERROR_DISK_FULL when the volume has no room left.
+  virtual uint32_t Write(uint64_t offset, const void* data, size_t size) = 0;
+  // Pushes written data through to the medium.
+  virtual uint32_t Flush() = 0;
+  virtual uint32_t SetSize(uint64_t size) = 0;
+  virtual uint32_t GetSize(uint64_t& size) = 0;
+};
+
+enum class OpenMode : uint8_t {
+  Read,          // existing file, read only
+  ReadWrite,     // existing file, read and write, not truncated
+  CreateAlways,  // create or truncate, read and write
+  CreateNew,     // create; ERROR_FILE_EXISTS if the file exists
+};
+
+// Contract (every backend):
+// - Paths are absolute Windows paths ("C:\dir\file"); components compare case-insensitively.
+// - ListFolder returns the folder's entries without "." and "..", ascending by upper-cased
+//   name; a missing folder is ERROR_PATH_NOT_FOUND, a file given as folder ERROR_DIRECTORY
+//   style failures map to ERROR_PATH_NOT_FOUND too.
+// - A missing file is ERROR_FILE_NOT_FOUND, a missing parent folder ERROR_PATH_NOT_FOUND.
+// - A file in use elsewhere fails to open for writing, to be removed or renamed with
+//   ERROR_SHARING_VIOLATION (32) or ERROR_LOCK_VIOLATION (33).
+// - Symbolic links, junctions and other reparse points are reported with
+//   FILE_ATTRIBUTE_REPARSE_POINT and never followed by GetInfo or ListFolder; RemoveFile
+//   on one removes the link, not its target.
+class IFileSystem {
+ public:
+  virtual ~IFileSystem() = default;
+  virtual uint32_t ListFolder(const String& folder, std::vector<FileInfo>& entries) = 0;
+  virtual uint32_t GetInfo(const String& path, FileInfo& info) = 0;
+  virtual uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) = 0;
+  virtual uint32_t RemoveFile(const String& path) = 0;
+  // Creates the folder and missing parents; an existing folder is success.
+  virtual uint32_t MakeFolder(const String& path) = 0;
+  // Removes an empty folder (ERROR_DIR_NOT_EMPTY otherwise).
+  virtual uint32_t RemoveFolder(const String& path) = 0;
+  // Renames a file or folder; an existing target file is replaced.
+  virtual uint32_t Rename(const String& from, const String& to) = 0;
+  virtual uint32_t SetAttributes(const String& path, uint32_t attributes) = 0;
+  // Drive type of the volume holding the path (kDriveFixed, ...), kDriveNoRootDir if none.
+  virtual uint32_t DriveType(const String& path) = 0;
+};
+
+}  // namespace tc

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build needs; does nothing when they are all present.
+# Usage: tools/setup.sh [--windows]   (--windows adds the MinGW-w64 cross compiler and Wine)
+set -euo pipefail
+pkgs=(build-essential cmake pkg-config libhivex-dev libhivex-bin libpugixml-dev
+      googletest libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev)
+if [ "${1:-}" = "--windows" ]; then
+  pkgs+=(g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix mingw-w64-tools wine wine64)
+fi
+missing=()
+for p in "${pkgs[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
