@@ -1,0 +1,224 @@
+// The generic cleaner and the fixer that repairs numbered lists and MRU order strings.
+#include "engine/TC_BasePlugin.h"
+
+#include <algorithm>
+
+#include "engine/RegShredder.h"
+#include "platform/Orviregistry.h"
+#include "platform/Shell.h"
+#include "platform/Stringhelper.h"
+#include "platform/TextCodec.h"
+
+namespace tc {
+
+TWildcardMatcher MakeMatcher(const TLD_FileSystem_Files& Files) {
+  TWildcardMatcher m;
+  m.AddSearchMask(Files.IncludeMasks, 0);
+  m.AddSearchMask(Files.ExcludeMasks, 1);
+  m.AddSearchMask(u"desktop.ini", 1);
+  return m;
+}
+
+void TTCPlugin::Clean() {
+  TraceCount = 0;
+  for (const auto& loc : TraceLocations) CleanLocation(*loc);
+}
+
+void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
+  StringList names;
+  // The cleaner compares options for equality, unlike the scan.
+  auto emptyOrDelete = [&](HKEY root, const String& key, const String& name, uint32_t options) {
+    if (options == LO_StringList) Cleaning_EmptyRegValue(root, key, name);
+    else DeleteRegValue(root, key, name, RO_None);
+  };
+  switch (loc.LocationType) {
+    case TLT_Registry_AllValues: {
+      const auto& d = loc.As<TLD_Registry_AllValues>();
+      EnumRegValueNames(d.RootKey, d.Key, names, RO_None);
+      for (const auto& n : names) emptyOrDelete(d.RootKey, d.Key, n, d.Options);
+      break;
+    }
+    case TLT_Registry_AllKeys: {
+      const auto& d = loc.As<TLD_Registry_AllKeys>();
+      EnumRegKeysEx(d.RootKey, d.Key, names, RO_None);
+      for (const auto& n : names)
+        DeleteRegKey(d.RootKey, IncludeTrailingPathDelimiter(d.Key) + n, RO_None);
+      break;
+    }
+    case TLT_Registry_NumberedNames: {
+      const auto& d = loc.As<TLD_Registry_NumberedNames>();
+      EnumRegValueNames(d.RootKey, d.Key, names, RO_None);
+      for (const auto& n : names) {
+        int64_t number;
+        if (IsNumberedName(n, d.NamePrefix, number)) emptyOrDelete(d.RootKey, d.Key, n, d.Options);
+      }
+      break;
+    }
+    case TLT_Registry_NumberedKeys: {
+      const auto& d = loc.As<TLD_Registry_NumberedKeys>();
+      EnumRegKeysEx(d.RootKey, d.Key, names, RO_None);
+      for (const auto& n : names) {
+        int64_t number;
+        if (IsNumberedName(n, d.NamePrefix, number))
+          DeleteRegKey(d.RootKey, IncludeTrailingPathDelimiter(d.Key) + n, RO_None);
+      }
+      break;
+    }
+    case TLT_Registry_StringValue: {
+      const auto& d = loc.As<TLD_Registry_StringValue>();
+      if (GetRegStringValueDef(d.RootKey, d.Key, d.ValueName, {}, RO_None).empty()) break;
+      if (d.Options == LO_StringList) Cleaning_EmptyRegValue(d.RootKey, d.Key, d.ValueName);
+      else RegShredderStringValue(d.RootKey, d.Key, d.ValueName, RO_None);
+      break;
+    }
+    case TLT_Registry_MRUList:
+    case TLT_Registry_MRUListEx: {
+      const bool ex = loc.LocationType == TLT_Registry_MRUListEx;
+      HKEY root = ex ? loc.As<TLD_Registry_MRUListEx>().RootKey : loc.As<TLD_Registry_MRUList>().RootKey;
+      const String& key = ex ? loc.As<TLD_Registry_MRUListEx>().Key : loc.As<TLD_Registry_MRUList>().Key;
+      uint32_t options = ex ? loc.As<TLD_Registry_MRUListEx>().Options : loc.As<TLD_Registry_MRUList>().Options;
+      EnumRegKeysEx(root, key, names, RO_None);
+      for (const auto& n : names) DeleteRegKey(root, key + u"\\" + n, RO_None);
+      EnumRegValueNames(root, key, names, RO_None);
+      if (!ex) {
+        // The order value stays, emptied, so the application finds an empty list.
+        auto it = std::find_if(names.begin(), names.end(),
+                               [](const String& n) { return SameText(n, u"MRUList"); });
+        if (it != names.end()) {
+          Cleaning_EmptyRegValue(root, key, *it);
+          names.erase(it);
+        }
+      }
+      for (const auto& n : names) emptyOrDelete(root, key, n, options);
+      break;
+    }
+    case TLT_FileSystem_Files: {
+      const auto& d = loc.As<TLD_FileSystem_Files>();
+      TWildcardMatcher matcher = MakeMatcher(d);
+      if (d.Options == LO_Recursive) {
+        DeleteFilesRecurse(d.Folder, matcher);
+        break;
+      }
+      std::vector<FileInfo> dirs, files;
+      ListFolderEntries(d.Folder, dirs, files);
+      StringList paths;
+      String base = IncludeTrailingPathDelimiter(d.Folder);
+      for (const auto& f : files) {
+        if (matcher.Match(f.Name)) paths.push_back(base + f.Name);
+      }
+      SecureDeleteFiles(paths);
+      break;
+    }
+  }
+}
+
+void TTCPlugin::DeleteFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
+  std::vector<FileInfo> dirs, files;
+  if (!ListFolderEntries(Folder, dirs, files)) return;
+  String base = IncludeTrailingPathDelimiter(Folder);
+  for (const auto& d : dirs) DeleteFilesRecurse(base + d.Name, Matcher);
+  StringList paths;
+  for (const auto& f : files) {
+    if (Matcher.Match(f.Name)) paths.push_back(base + f.Name);
+  }
+  SecureDeleteFiles(paths);
+}
+
+void TTCPlugin::Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const String& ValueName) {
+  Bytes bytes;
+  uint32_t size, type;
+  if (!GetRegValue(RootKey, Key, ValueName, bytes, size, type, RO_None)) return;
+  switch (type) {
+    case REG_SZ:
+      SetRegStringValue(RootKey, Key, ValueName, {}, RO_None);
+      break;
+    case REG_MULTI_SZ:
+      SetRegMultiStringValue(RootKey, Key, ValueName, {}, RO_None);
+      break;
+    case REG_BINARY:
+      SetRegBinaryValue(RootKey, Key, ValueName, {}, RO_None);
+      break;
+    default:
+      break;  // expandable strings, numbers and the rest stay as they are
+  }
+}
+
+void TTCPlugin::Fix() {
+  for (const auto& loc : TraceLocations) {
+    if (HasFlag(loc->Flags, TF_Needs_Fix_After_Cleaning)) FixTraceLocation(*loc);
+  }
+}
+
+void TTCPlugin::FixTraceLocation(TTraceLocation& Location) {
+  if (Location.LocationType == TLT_Registry_NumberedNames) FixNumberedNames(Location);
+  else if (Location.LocationType == TLT_Registry_MRUList) FixMRUList(Location);
+}
+
+void TTCPlugin::FixNumberedNames(const TTraceLocation& loc) {
+  const auto& d = loc.As<TLD_Registry_NumberedNames>();
+  StringList names;
+  EnumRegValueNames(d.RootKey, d.Key, names, RO_None);
+  std::vector<std::pair<int64_t, String>> work;
+  for (auto it = names.rbegin(); it != names.rend(); ++it) {
+    int64_t n;
+    if (IsNumberedName(*it, d.NamePrefix, n)) work.emplace_back(n, *it);
+  }
+  std::stable_sort(work.begin(), work.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  int64_t next = HasFlag(loc.Flags, TF_Zero_Based) ? 0 : 1;
+  for (const auto& [number, name] : work) {
+    String wanted = d.NamePrefix + IntToStr(next);
+    if (SameText(name, wanted)) {
+      ++next;
+    } else if (next > number) {
+      // A number already taken below stays where it is.
+    } else {
+      RenameRegValue(d.RootKey, d.Key, name, wanted, RO_None);
+      ++next;
+    }
+  }
+}
+
+void TTCPlugin::FixMRUList(const TTraceLocation& loc) {
+  const auto& d = loc.As<TLD_Registry_MRUList>();
+  StringList keys{d.Key}, subs, names;
+  EnumRegKeysEx(d.RootKey, d.Key, subs, RO_None);
+  for (const auto& s : subs) keys.push_back(d.Key + u"\\" + s);
+  for (const auto& k : keys) {
+    String order = GetRegStringValueDef(d.RootKey, k, u"MRUList", {}, RO_None);
+    if (order.empty()) continue;
+    EnumRegValueNames(d.RootKey, k, names, RO_None);
+    String fixed;
+    for (char16_t c : order) {
+      String letter(1, c);
+      if (std::any_of(names.begin(), names.end(),
+                      [&](const String& n) { return SameText(n, letter); }))
+        fixed += c;
+    }
+    if (fixed != order) SetRegStringValue(d.RootKey, k, u"MRUList", fixed, RO_None);
+  }
+}
+
+uint8_t TTCPlugin::ScanForSystemfolder(const String& Folder) {
+  static const int kProtected[] = {kCSIDL_DESKTOP,       kCSIDL_FONTS,     kCSIDL_PROGRAMS,
+                                   kCSIDL_PROGRAM_FILES, kCSIDL_STARTMENU, kCSIDL_FAVORITES,
+                                   kCSIDL_APPDATA,       kCSIDL_FAVORITES};
+  StringList protectedFolders;
+  for (int csidl : kProtected)
+    protectedFolders.push_back(UpperCase(ExcludeTrailingPathDelimiter(GetFolderLocStr(csidl))));
+  protectedFolders.push_back(UpperCase(ExcludeTrailingPathDelimiter(GetWinDir())));
+  String p = UpperCase(ExcludeTrailingPathDelimiter(ExtractFilePath(Folder)));
+  if (p.size() <= 3) return 2;
+  if (std::find(protectedFolders.begin(), protectedFolders.end(), p) != protectedFolders.end())
+    return 2;
+  String own = UpperCase(OwnFolder);
+  if (!own.empty() && p.find(own) != String::npos) return 0;
+  return 1;
+}
+
+void TTCPlugin::SetNewCleaningfolder(const String& Folder) {
+  CleaningFolderKind = ScanForSystemfolder(Folder);
+  CleaningFolder = Folder.size() < 4 ? Folder : ExcludeTrailingPathDelimiter(Folder);
+}
+
+}  // namespace tc

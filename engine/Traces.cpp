@@ -1,0 +1,57 @@
+#include "engine/Traces.h"
+
+#include <map>
+
+#include "engine/TC_BasePlugin.h"
+
+namespace tc {
+
+const std::vector<TUnitInfo>& PackageUnits() {
+  // Plug-ins register in this order, so Plugins follows it until the host sorts.
+  static const std::vector<TUnitInfo> units = {
+      {u"TC_BasePlugin", TC_BasePlugin_Initialization, TC_BasePlugin_Finalization},
+      {u"TCP_Firefox", nullptr, nullptr},
+      {u"TCP_InternetExplorer", nullptr, nullptr},
+      {u"TCP_MSOffice", nullptr, nullptr},
+      {u"TCP_Player", nullptr, nullptr},
+      {u"TCP_Windows", nullptr, nullptr},
+      {u"TCP_WindowsExplorer", nullptr, nullptr},
+      {u"TCP_WindowsTools", nullptr, nullptr},
+      {u"TCP_Archiver", nullptr, nullptr},
+      {u"TCP_FileSharing", nullptr, nullptr},
+      {u"TCP_Toolbars", nullptr, nullptr},
+      {u"TCP_Messenger", nullptr, nullptr},
+      {u"TCP_Tools", nullptr, nullptr},
+      {u"TCP_Netscape7", nullptr, nullptr},
+      {u"TCP_Opera", nullptr, nullptr},
+      {u"TCP_Netscape8", nullptr, nullptr},
+      {u"TCP_TOnline", nullptr, nullptr},
+      {u"TCP_OpenOffice", nullptr, nullptr},
+      {u"TC_Common", nullptr, nullptr},
+      {u"RegShredder", nullptr, nullptr},
+      {u"Orvitracecleaner", nullptr, nullptr},
+  };
+  return units;
+}
+
+namespace {
+// Per-unit guard: each unit starts once however often the package is initialised.
+int initCount = 0;
+}  // namespace
+
+void Initialize() {
+  if (initCount++ > 0) return;
+  for (const auto& unit : PackageUnits()) {
+    if (unit.Initialization) unit.Initialization();
+  }
+}
+
+void Finalize() {
+  if (initCount == 0 || --initCount > 0) return;
+  const auto& units = PackageUnits();
+  for (auto it = units.rbegin(); it != units.rend(); ++it) {
+    if (it->Finalization) it->Finalization();
+  }
+}
+
+}  // namespace tc

@@ -1,0 +1,357 @@
+#include "platform/Orviregistry.h"
+
+#include "platform/Platform.h"
+#include "platform/Shell.h"
+#include "platform/Stringhelper.h"
+#include "platform/TextCodec.h"
+#include "platform/WildcardMatcher.h"
+
+namespace tc {
+
+namespace {
+
+RegView ViewOf(TRegOptions options) {
+  if (options & RO_Key64) return RegView::Key64;
+  if (options & RO_Native) return RegView::Native;
+  return RegView::Default;
+}
+
+IRegistry& Reg() { return *Services().Registry; }
+IFileSystem& Fs() { return *Services().Files; }
+
+String StringData(const RegValue& v) {
+  String s = FromUtf16LE(v.Data.data(), v.Data.size());
+  size_t nul = s.find(u'\0');
+  return nul == String::npos ? s : s.substr(0, nul);
+}
+
+StringList MultiStringLines(const RegValue& v) {
+  String all = FromUtf16LE(v.Data.data(), v.Data.size());
+  StringList lines;
+  size_t start = 0;
+  while (start < all.size()) {
+    size_t end = all.find(u'\0', start);
+    if (end == String::npos) end = all.size();
+    if (end == start) break;  // the empty string that ends the list
+    lines.push_back(all.substr(start, end - start));
+    start = end + 1;
+  }
+  return lines;
+}
+
+String Hex(const Bytes& data) {
+  static const char16_t* digits = u"0123456789ABCDEF";
+  String out;
+  for (size_t i = 0; i < data.size(); ++i) {
+    if (i) out += u' ';
+    out += digits[data[i] >> 4];
+    out += digits[data[i] & 15];
+  }
+  return out;
+}
+
+bool LooksLikeUtf16Text(const Bytes& d) {
+  return d.size() >= 2 && d[1] == 0 && d[0] >= 0x20;
+}
+
+RegValue StringValue(const String& s, uint32_t type = REG_SZ) {
+  RegValue v;
+  v.Type = type;
+  v.Data = ToUtf16LE(s);
+  v.Data.push_back(0);
+  v.Data.push_back(0);
+  return v;
+}
+
+bool Set(HKEY root, const String& key, const String& name, const RegValue& v,
+         TRegOptions options) {
+  RegView view = ViewOf(options);
+  if (Reg().KeyExists(root, key, view) != ERROR_SUCCESS &&
+      Reg().CreateKey(root, key, view) != ERROR_SUCCESS)
+    return false;
+  return Reg().SetValue(root, key, name, v, view) == ERROR_SUCCESS;
+}
+
+}  // namespace
+
+String RegValueToText(const RegValue& v) {
+  switch (v.Type) {
+    case REG_SZ:
+    case REG_EXPAND_SZ:
+    case REG_LINK:
+      return StringData(v);
+    case REG_MULTI_SZ: {
+      String out;
+      for (const auto& line : MultiStringLines(v)) {
+        if (!out.empty()) out += u"; ";
+        out += line;
+      }
+      return out;
+    }
+    case REG_DWORD:
+      if (v.Data.size() >= 4)
+        return IntToStr(static_cast<uint32_t>(v.Data[0] | v.Data[1] << 8 | v.Data[2] << 16 |
+                                              static_cast<uint32_t>(v.Data[3]) << 24));
+      return Hex(v.Data);
+    case REG_QWORD:
+      if (v.Data.size() >= 8) {
+        uint64_t q = 0;
+        for (int i = 7; i >= 0; --i) q = q << 8 | v.Data[i];
+        return FromUtf8(std::to_string(q));
+      }
+      return Hex(v.Data);
+    default:
+      if (LooksLikeUtf16Text(v.Data)) return StringData(v);
+      return Hex(v.Data);
+  }
+}
+
+bool EnumRegValuesEx(HKEY root, const String& key, StringList& names, StringList& datas,
+                     TRegOptions options) {
+  names.clear();
+  datas.clear();
+  std::vector<RegNamedValue> values;
+  if (Reg().EnumValues(root, key, values, ViewOf(options)) != ERROR_SUCCESS) return false;
+  names.reserve(values.size());
+  datas.reserve(values.size());
+  for (const auto& v : values) {
+    names.push_back(v.Name);
+    datas.push_back(RegValueToText(v.Value));
+  }
+  return true;
+}
+
+bool EnumRegValueNames(HKEY root, const String& key, StringList& names, TRegOptions options) {
+  StringList datas;
+  return EnumRegValuesEx(root, key, names, datas, options);
+}
+
+bool EnumRegKeysEx(HKEY root, const String& key, StringList& names, TRegOptions options) {
+  names.clear();
+  return Reg().EnumKeys(root, key, names, ViewOf(options)) == ERROR_SUCCESS;
+}
+
+bool KeyExist(HKEY root, const String& key, TRegOptions options) {
+  return Reg().KeyExists(root, key, ViewOf(options)) == ERROR_SUCCESS;
+}
+
+bool ValueExists(HKEY root, const String& key, const String& valueName, TRegOptions options) {
+  RegValue v;
+  return Reg().QueryValue(root, key, valueName, v, ViewOf(options)) == ERROR_SUCCESS;
+}
+
+String GetRegStringValueDef(HKEY root, const String& key, const String& valueName,
+                            const String& def, TRegOptions options) {
+  RegValue v;
+  if (Reg().QueryValue(root, key, valueName, v, ViewOf(options)) != ERROR_SUCCESS) return def;
+  return RegValueToText(v);
+}
+
+uint32_t GetRegMultiStringValue(HKEY root, const String& key, const String& valueName,
+                                StringList& lines, TRegOptions options) {
+  lines.clear();
+  RegValue v;
+  uint32_t rc = Reg().QueryValue(root, key, valueName, v, ViewOf(options));
+  if (rc != ERROR_SUCCESS) return rc;
+  if (v.Type == REG_MULTI_SZ) {
+    lines = MultiStringLines(v);
+    return ERROR_SUCCESS;
+  }
+  if (v.Type == REG_SZ || v.Type == REG_EXPAND_SZ) {
+    String s = StringData(v);
+    if (!s.empty()) lines.push_back(s);
+    return ERROR_SUCCESS;
+  }
+  return ERROR_DATATYPE_MISMATCH;
+}
+
+bool GetRegValue(HKEY root, const String& key, const String& valueName, Bytes& bytes,
+                 uint32_t& size, uint32_t& type, TRegOptions options) {
+  RegValue v;
+  if (Reg().QueryValue(root, key, valueName, v, ViewOf(options)) != ERROR_SUCCESS) {
+    bytes.clear();
+    size = 0;
+    return false;
+  }
+  bytes = std::move(v.Data);
+  size = static_cast<uint32_t>(bytes.size());
+  type = v.Type;
+  return true;
+}
+
+bool GetRegValue(HKEY root, const String& key, const String& valueName, Bytes& bytes,
+                 uint32_t& size, TRegOptions options) {
+  uint32_t type;
+  return GetRegValue(root, key, valueName, bytes, size, type, options);
+}
+
+bool GetRegDWordValue(HKEY root, const String& key, const String& valueName, uint32_t& value,
+                      TRegOptions options) {
+  RegValue v;
+  if (Reg().QueryValue(root, key, valueName, v, ViewOf(options)) != ERROR_SUCCESS ||
+      v.Type != REG_DWORD || v.Data.size() < 4)
+    return false;
+  value = v.Data[0] | v.Data[1] << 8 | v.Data[2] << 16 | static_cast<uint32_t>(v.Data[3]) << 24;
+  return true;
+}
+
+bool SetRegStringValue(HKEY root, const String& key, const String& valueName,
+                       const String& value, TRegOptions options) {
+  return Set(root, key, valueName, StringValue(value), options);
+}
+
+bool SetRegMultiStringValue(HKEY root, const String& key, const String& valueName,
+                            const StringList& lines, TRegOptions options) {
+  RegValue v;
+  v.Type = REG_MULTI_SZ;
+  for (const auto& line : lines) {
+    Bytes b = ToUtf16LE(line);
+    v.Data.insert(v.Data.end(), b.begin(), b.end());
+    v.Data.push_back(0);
+    v.Data.push_back(0);
+  }
+  v.Data.push_back(0);
+  v.Data.push_back(0);
+  return Set(root, key, valueName, v, options);
+}
+
+bool SetRegBinaryValue(HKEY root, const String& key, const String& valueName, const Bytes& data,
+                       TRegOptions options) {
+  return Set(root, key, valueName, RegValue{REG_BINARY, data}, options);
+}
+
+bool SetRegDWordValue(HKEY root, const String& key, const String& valueName, uint32_t value,
+                      TRegOptions options) {
+  Bytes d = {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
+             static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
+  return Set(root, key, valueName, RegValue{REG_DWORD, d}, options);
+}
+
+bool DeleteRegValue(HKEY root, const String& key, const String& valueName, TRegOptions options) {
+  return Reg().DeleteValue(root, key, valueName, ViewOf(options)) == ERROR_SUCCESS;
+}
+
+bool DeleteRegKey(HKEY root, const String& keyPath, TRegOptions options) {
+  if (keyPath.empty()) return false;  // never the whole root
+  return Reg().DeleteKeyTree(root, keyPath, ViewOf(options)) == ERROR_SUCCESS;
+}
+
+bool RenameRegValue(HKEY root, const String& key, const String& oldName, const String& newName,
+                    TRegOptions options) {
+  RegView view = ViewOf(options);
+  RegValue v;
+  if (Reg().QueryValue(root, key, oldName, v, view) != ERROR_SUCCESS) return false;
+  if (!SameText(oldName, newName)) {
+    RegValue existing;
+    if (Reg().QueryValue(root, key, newName, existing, view) == ERROR_SUCCESS) return false;
+  }
+  if (Reg().DeleteValue(root, key, oldName, view) != ERROR_SUCCESS) return false;
+  if (Reg().SetValue(root, key, newName, v, view) != ERROR_SUCCESS) {
+    Reg().SetValue(root, key, oldName, v, view);  // put the data back under its old name
+    return false;
+  }
+  return true;
+}
+
+String GetFolderLocStr(int csidl) {
+  String path;
+  if (Services().Shell->GetSpecialFolder(csidl, path) != ERROR_SUCCESS) return {};
+  return ExcludeTrailingPathDelimiter(path);
+}
+
+String GetAppDataDir() {
+  String p = GetFolderLocStr(kCSIDL_APPDATA);
+  return p.empty() ? p : IncludeTrailingPathDelimiter(p);
+}
+
+String GetLocalAppDataDir() {
+  String p = GetFolderLocStr(kCSIDL_LOCAL_APPDATA);
+  return p.empty() ? p : IncludeTrailingPathDelimiter(p);
+}
+
+String GetWinDir() {
+  String p = GetFolderLocStr(kCSIDL_WINDOWS);
+  return p.empty() ? p : IncludeTrailingPathDelimiter(p);
+}
+
+bool OrviFileExists(const String& path) {
+  FileInfo info;
+  return Fs().GetInfo(ExcludeTrailingPathDelimiter(path), info) == ERROR_SUCCESS &&
+         !info.IsDirectory();
+}
+
+bool DirExists(const String& path) {
+  FileInfo info;
+  String p = ExcludeTrailingPathDelimiter(path);
+  if (p.size() == 2 && p[1] == u':') p += kPathDelim;  // a drive root
+  return Fs().GetInfo(p, info) == ERROR_SUCCESS && info.IsDirectory();
+}
+
+bool FileOrDirExists(const String& path) {
+  FileInfo info;
+  return Fs().GetInfo(ExcludeTrailingPathDelimiter(path), info) == ERROR_SUCCESS;
+}
+
+bool IsDirectory(const String& path) { return DirExists(path); }
+
+bool FileIsOnFixedDrive(const String& path, bool acceptUnc) {
+  if (path.size() >= 2 && path[0] == u'\\' && path[1] == u'\\') return acceptUnc;
+  if (path.size() < 2 || path[1] != u':') return false;
+  return Fs().DriveType(path.substr(0, 2) + u"\\") == kDriveFixed;
+}
+
+int64_t GetFileSize64(const String& path) {
+  FileInfo info;
+  if (Fs().GetInfo(path, info) != ERROR_SUCCESS || info.IsDirectory()) return -1;
+  return static_cast<int64_t>(info.Size);
+}
+
+bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
+                       std::vector<FileInfo>& files) {
+  dirs.clear();
+  files.clear();
+  std::vector<FileInfo> entries;
+  String f = ExcludeTrailingPathDelimiter(folder);
+  if (f.size() == 2 && f[1] == u':') f += kPathDelim;
+  if (f.empty() || Fs().ListFolder(f, entries) != ERROR_SUCCESS) return false;
+  for (auto& e : entries) {
+    if (e.IsReparsePoint()) continue;  // links lead elsewhere: never walk or list them
+    (e.IsDirectory() ? dirs : files).push_back(std::move(e));
+  }
+  return true;
+}
+
+bool EnumFiles(const String& folder, StringList& names, const String& mask) {
+  names.clear();
+  std::vector<FileInfo> dirs, files;
+  if (!ListFolderEntries(folder, dirs, files)) return false;
+  String m = UpperCase(mask);
+  for (auto& f : files) {
+    if (TWildcardMatcher::MatchMask(f.Name, m)) names.push_back(std::move(f.Name));
+  }
+  return true;
+}
+
+bool EnumDirectories(const String& folder, StringList& names) {
+  names.clear();
+  std::vector<FileInfo> dirs, files;
+  if (!ListFolderEntries(folder, dirs, files)) return false;
+  for (auto& d : dirs) names.push_back(std::move(d.Name));
+  return true;
+}
+
+String GetPPString(const String& section, const String& key, const String& def,
+                   const String& fileName) {
+  return Services().IniFiles->ReadString(fileName, section, key, def);
+}
+
+bool WritePPString(const String& section, const String& key, const String& value,
+                   const String& fileName) {
+  return Services().IniFiles->WriteString(fileName, section, key, value) == ERROR_SUCCESS;
+}
+
+bool GetProductRegSetting(const String& section, const String& name, bool def, int /*flags*/) {
+  return Services().ProductSettings->ReadBool(section, name, def);
+}
+
+}  // namespace tc

@@ -1,0 +1,200 @@
+#include "platform/Orvishredderclass.h"
+
+#include <algorithm>
+#include <random>
+
+#include "platform/LastError.h"
+#include "platform/Platform.h"
+#include "platform/Stringhelper.h"
+#include "platform/TextCodec.h"
+
+namespace tc {
+
+namespace {
+
+// A multiple of 3, so three-byte patterns run on unbroken across chunks.
+constexpr size_t kChunk = 3 << 18;
+
+// A pass is either random data or a repeating pattern of up to three bytes.
+struct Pass {
+  bool random;
+  uint8_t pattern[3];
+};
+
+std::vector<Pass> PassesOf(TDeleteMethod method) {
+  switch (method) {
+    case TDeleteMethod::dmZeros:
+      return {{false, {0, 0, 0}}};
+    case TDeleteMethod::dmRandom:
+      return {{true, {}}};
+    case TDeleteMethod::dmDoD5220:
+      return {{false, {0, 0, 0}}, {false, {0xFF, 0xFF, 0xFF}}, {true, {}}};
+    case TDeleteMethod::dmGutmann: {
+      std::vector<Pass> p(4, Pass{true, {}});
+      const uint8_t fixed[27][3] = {
+          {0x55, 0x55, 0x55}, {0xAA, 0xAA, 0xAA}, {0x92, 0x49, 0x24}, {0x49, 0x24, 0x92},
+          {0x24, 0x92, 0x49}, {0x00, 0x00, 0x00}, {0x11, 0x11, 0x11}, {0x22, 0x22, 0x22},
+          {0x33, 0x33, 0x33}, {0x44, 0x44, 0x44}, {0x55, 0x55, 0x55}, {0x66, 0x66, 0x66},
+          {0x77, 0x77, 0x77}, {0x88, 0x88, 0x88}, {0x99, 0x99, 0x99}, {0xAA, 0xAA, 0xAA},
+          {0xBB, 0xBB, 0xBB}, {0xCC, 0xCC, 0xCC}, {0xDD, 0xDD, 0xDD}, {0xEE, 0xEE, 0xEE},
+          {0xFF, 0xFF, 0xFF}, {0x92, 0x49, 0x24}, {0x49, 0x24, 0x92}, {0x24, 0x92, 0x49},
+          {0x6D, 0xB6, 0xDB}, {0xB6, 0xDB, 0x6D}, {0xDB, 0x6D, 0xB6}};
+      for (const auto& f : fixed) p.push_back(Pass{false, {f[0], f[1], f[2]}});
+      for (int i = 0; i < 4; ++i) p.push_back(Pass{true, {}});
+      return p;
+    }
+  }
+  return {{false, {0, 0, 0}}};
+}
+
+std::mt19937_64& Rng() {
+  static std::mt19937_64 rng{std::random_device{}()};
+  return rng;
+}
+
+void FillRandom(std::vector<uint8_t>& buf) {
+  auto& rng = Rng();
+  size_t i = 0;
+  for (; i + 8 <= buf.size(); i += 8) {
+    uint64_t v = rng();
+    std::copy_n(reinterpret_cast<const uint8_t*>(&v), 8, buf.data() + i);
+  }
+  for (; i < buf.size(); ++i) buf[i] = static_cast<uint8_t>(rng());
+}
+
+String RandomNameLike(const String& name) {
+  static const char16_t kChars[] = u"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+  String out(name.size(), u'X');
+  for (auto& c : out) c = kChars[Rng()() % 36];
+  return out;
+}
+
+}  // namespace
+
+int TOrviShredderClass::PassCount(TDeleteMethod method) {
+  return static_cast<int>(PassesOf(method).size());
+}
+
+bool TOrviShredderClass::MethodFromName(const String& name, TDeleteMethod& method) {
+  static const std::pair<const char16_t*, TDeleteMethod> kNames[] = {
+      {u"zeros", TDeleteMethod::dmZeros},
+      {u"random", TDeleteMethod::dmRandom},
+      {u"dod", TDeleteMethod::dmDoD5220},
+      {u"gutmann", TDeleteMethod::dmGutmann}};
+  for (const auto& [n, m] : kNames) {
+    if (SameText(name, n)) {
+      method = m;
+      return true;
+    }
+  }
+  return false;
+}
+
+int64_t TOrviShredderClass::GetTotalFilesize() {
+  int64_t total = 0;
+  for (const auto& f : Files) {
+    FileInfo info;
+    if (Services().Files->GetInfo(f, info) == ERROR_SUCCESS && !info.IsDirectory())
+      total += static_cast<int64_t>(info.Size);
+  }
+  return total;
+}
+
+void TOrviShredderClass::Report() {
+  Services().UI->ProcessMessages();  // lets the progress timer fire during long jobs
+  if (!OnProgress) return;
+  int percent = jobBytes_ ? static_cast<int>(doneBytes_ * 100 / jobBytes_) : 100;
+  if (percent == lastPercent_) return;
+  lastPercent_ = percent;
+  OnProgress(this, percent, filesDone_, static_cast<int>(Files.size()));
+}
+
+bool TOrviShredderClass::ExecuteShredder() {
+  const uint64_t passes = static_cast<uint64_t>(PassCount(method_)) * recurrence_;
+  std::vector<std::pair<String, uint64_t>> sizes;
+  jobBytes_ = doneBytes_ = 0;
+  filesDone_ = 0;
+  lastPercent_ = -1;
+  for (const auto& f : Files) {
+    FileInfo info;
+    uint64_t size = 0;
+    if (Services().Files->GetInfo(f, info) == ERROR_SUCCESS && !info.IsReparsePoint())
+      size = info.Size;
+    sizes.emplace_back(f, size);
+    jobBytes_ += size * passes;
+  }
+  uint32_t failure = ERROR_SUCCESS;
+  for (const auto& [path, size] : sizes) {
+    uint32_t rc = ShredOne(path, size);
+    if (rc != ERROR_SUCCESS) failure = rc;
+    ++filesDone_;
+  }
+  Report();
+  SetLastOSError(failure);
+  return failure == ERROR_SUCCESS;
+}
+
+uint32_t TOrviShredderClass::ShredOne(const String& path, uint64_t size) {
+  IFileSystem& fs = *Services().Files;
+  FileInfo info;
+  uint32_t rc = fs.GetInfo(path, info);
+  if (rc != ERROR_SUCCESS) return rc;
+  if (info.IsDirectory()) return ERROR_ACCESS_DENIED;
+  if (info.IsReparsePoint()) return fs.RemoveFile(path);  // the link goes, its target stays
+  if (info.Attributes & FILE_ATTRIBUTE_READONLY)
+    fs.SetAttributes(path, info.Attributes & ~FILE_ATTRIBUTE_READONLY);
+  rc = Overwrite(path, size);
+  if (rc != ERROR_SUCCESS) return rc;
+  return RemoveNameAndFile(path);
+}
+
+uint32_t TOrviShredderClass::Overwrite(const String& path, uint64_t size) {
+  std::unique_ptr<IFileHandle> file;
+  uint32_t rc = Services().Files->Open(path, OpenMode::ReadWrite, file);
+  if (rc != ERROR_SUCCESS) return rc;
+  const auto passes = PassesOf(method_);
+  std::vector<uint8_t> buf(static_cast<size_t>(std::min<uint64_t>(size, kChunk)));
+  for (int r = 0; r < recurrence_; ++r) {
+    for (const auto& pass : passes) {
+      if (!pass.random) {
+        for (size_t i = 0; i < buf.size(); ++i) buf[i] = pass.pattern[i % 3];
+      }
+      for (uint64_t off = 0; off < size; off += buf.size()) {
+        size_t n = static_cast<size_t>(std::min<uint64_t>(buf.size(), size - off));
+        if (pass.random) FillRandom(buf);
+        rc = file->Write(off, buf.data(), n);
+        if (rc != ERROR_SUCCESS) return rc;
+        doneBytes_ += n;
+        Report();
+      }
+      rc = file->Flush();
+      if (rc != ERROR_SUCCESS) return rc;
+    }
+  }
+  return ERROR_SUCCESS;
+}
+
+uint32_t TOrviShredderClass::RemoveNameAndFile(const String& path) {
+  IFileSystem& fs = *Services().Files;
+  String folder = ExtractFilePath(path);
+  String name = ExtractFileName(path);
+  String target = path;
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    String candidate = folder + RandomNameLike(name);
+    FileInfo existing;
+    if (fs.GetInfo(candidate, existing) == ERROR_SUCCESS) continue;
+    if (fs.Rename(path, candidate) == ERROR_SUCCESS) {
+      target = candidate;
+      break;
+    }
+  }
+  std::unique_ptr<IFileHandle> file;
+  if (fs.Open(target, OpenMode::ReadWrite, file) == ERROR_SUCCESS) {
+    file->SetSize(0);
+    file->Flush();
+    file.reset();
+  }
+  return fs.RemoveFile(target);
+}
+
+}  // namespace tc

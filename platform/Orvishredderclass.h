@@ -1,0 +1,49 @@
+// The shredder: overwrites files, then removes them so neither content nor name survives.
+#pragma once
+#include <functional>
+
+#include "platform/WinTypes.h"
+
+namespace tc {
+
+enum class TDeleteMethod : uint8_t {
+  dmZeros,      // one pass of zeros
+  dmRandom,     // one pass of random data
+  dmDoD5220,    // DoD 5220.22-M: zeros, ones, random
+  dmGutmann,    // Gutmann's 35 passes
+};
+
+// Raised with (Sender, Percent done, files done, files in the job).
+using TShredProgressEvent = std::function<void(void* Sender, int Percent, int A, int B)>;
+
+class TOrviShredderClass {
+ public:
+  StringList Files;
+  TShredProgressEvent OnProgress;
+
+  void SetMethod(TDeleteMethod method) { method_ = method; }
+  void SetDeleteRecurrence(int count) { recurrence_ = count < 1 ? 1 : count; }
+  int64_t GetTotalFilesize();
+  // Overwrites and removes every listed file. False when any failed, with the last
+  // operating-system error set to that failure's code.
+  bool ExecuteShredder();
+
+  static int PassCount(TDeleteMethod method);
+  // Parses "zeros", "random", "dod", "gutmann" (case-insensitive).
+  static bool MethodFromName(const String& name, TDeleteMethod& method);
+
+ private:
+  uint32_t ShredOne(const String& path, uint64_t size);
+  uint32_t Overwrite(const String& path, uint64_t size);
+  uint32_t RemoveNameAndFile(const String& path);
+  void Report();
+
+  TDeleteMethod method_ = TDeleteMethod::dmZeros;
+  int recurrence_ = 1;
+  uint64_t jobBytes_ = 0;
+  uint64_t doneBytes_ = 0;
+  int filesDone_ = 0;
+  int lastPercent_ = -1;
+};
+
+}  // namespace tc
