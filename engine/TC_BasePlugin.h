@@ -222,6 +222,8 @@ class TTCPlugin {
   bool DeactivateIfAbsent = true;
   std::vector<std::unique_ptr<TTraceLocation>> TraceLocations;
   bool RebootRequired = false;
+  // Asks the host to tell the user something after cleaning; nothing in the package reads it.
+  bool HostNotice = false;
   int64_t ShredTotalSize = 0;
   bool ShredTimerElapsed = false;
   TTimer ShredTimer;

@@ -3,6 +3,9 @@
 #include <map>
 
 #include "engine/TC_BasePlugin.h"
+#include "plugins/TCP_Windows.h"
+#include "plugins/TCP_WindowsExplorer.h"
+#include "plugins/TCP_WindowsTools.h"
 
 namespace tc {
 
@@ -14,9 +17,9 @@ const std::vector<TUnitInfo>& PackageUnits() {
       {u"TCP_InternetExplorer", nullptr, nullptr},
       {u"TCP_MSOffice", nullptr, nullptr},
       {u"TCP_Player", nullptr, nullptr},
-      {u"TCP_Windows", nullptr, nullptr},
-      {u"TCP_WindowsExplorer", nullptr, nullptr},
-      {u"TCP_WindowsTools", nullptr, nullptr},
+      {u"TCP_Windows", TCP_Windows_Initialization, TCP_Windows_Finalization},
+      {u"TCP_WindowsExplorer", TCP_WindowsExplorer_Initialization, TCP_WindowsExplorer_Finalization},
+      {u"TCP_WindowsTools", TCP_WindowsTools_Initialization, TCP_WindowsTools_Finalization},
       {u"TCP_Archiver", nullptr, nullptr},
       {u"TCP_FileSharing", nullptr, nullptr},
       {u"TCP_Toolbars", nullptr, nullptr},

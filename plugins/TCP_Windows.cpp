@@ -1,0 +1,203 @@
+#include "plugins/TCP_Windows.h"
+
+#include "engine/TC_Common.h"
+#include "platform/Eventlog.h"
+#include "platform/Orvihelper.h"
+#include "platform/Orviregistry.h"
+#include "platform/Specialunit.h"
+#include "platform/Stringhelper.h"
+
+namespace tc {
+
+namespace {
+
+const String rsApp_EventViewer = u"Windows Ereignisanzeige";
+const String kMemoryManagementKey =
+    u"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Memory Management";
+
+// Steps shared by every constructor of the unit, in the plug-in recipe's order.
+void Describe(TTCPlugin& p, const String& app, int icon, const String& caption,
+              const String& description) {
+  p.Section = rsTCPSection_Windows;
+  p.AppCaption = app;
+  p.IconFile = FileNameByID(icon, 27);
+  p.Caption = caption;
+  p.Description = description;
+}
+
+// Opens the log at `position` of the component's list; false when the list is shorter.
+bool OpenLogAt(TNTEventLog& log, int position) {
+  StringList logs;
+  log.GetEventLogs(logs);
+  if (static_cast<int>(logs.size()) <= position) return false;
+  log.SetLog(logs[position]);
+  log.SetActive(true);
+  return true;
+}
+
+void ScanEventLog(TTCPlugin& plugin, int position) {
+  TNTEventLog log(nullptr);
+  if (OpenLogAt(log, position)) plugin.IncTraceCount(log.GetCount());
+}
+
+void CleanEventLog(int position) {
+  TNTEventLog log(nullptr);
+  // A log the user may not clear stays as it is.
+  if (OpenLogAt(log, position)) log.Clear();
+}
+
+template <class T>
+void FreeAndNil(T*& p) {
+  delete p;
+  p = nullptr;
+}
+
+TTCPRecycleBin* TCPRecycleBin = nullptr;
+TTCPPagingFile* TCPPagingFile = nullptr;
+TTCPWindowsEventApps* TCPWindowsEventApps = nullptr;
+TTCPWindowsEventSecurity* TCPWindowsEventSecurity = nullptr;
+TTCPWindowsEventSystem* TCPWindowsEventSystem = nullptr;
+
+}  // namespace
+
+TTCPRecycleBin::TTCPRecycleBin() : TTCPlugin(u"TTCPRecycleBin") {
+  Describe(*this, u"Papierkorb", 4000, u"Elemente im Papierkorb",
+           u"Wenn Sie Dateien löschen, werden diese normalerweise nicht endgültig entfernt, "
+           u"sondern zuerst in den Windows-Papierkorb verschoben. Solange der Papierkorb nicht "
+           u"geleert wird, lassen sich diese Dateien jederzeit wiederherstellen und können so "
+           u"verraten, woran Sie am Computer gearbeitet haben.");
+}
+
+TTCPRecycleBin::~TTCPRecycleBin() = default;
+
+void TTCPRecycleBin::Scan() {
+  TTCPlugin::Scan();
+  int64_t items = 0, size = 0;
+  GetRecycleBinsInfo(items, size);
+  IncTraceCount(static_cast<int32_t>(static_cast<uint32_t>(items)));
+}
+
+void TTCPRecycleBin::Clean() {
+  TTCPlugin::Clean();
+  // Emptied whatever the last count said: a clean never leaves the bin filled.
+  EmptyRecycleBin();
+}
+
+TTCPPagingFile::TTCPPagingFile() : TTCPlugin(u"TTCPPagingFile") {
+  Describe(*this, u"Auslagerungsdateien", 4001, u"Inhalt der Auslagerungsdateien",
+           u"Windows schreibt Daten in Auslagerungsdateien, wenn der Arbeitsspeicher Ihres "
+           u"Computers nicht mehr für alle laufenden Anwendungen ausreicht. Diese Dateien können "
+           u"Teile von Dokumenten, Kennwörtern und anderen vertraulichen Informationen enthalten, "
+           u"die Sie längst geschlossen haben. Die Auslagerungsdateien werden beim nächsten "
+           u"Neustart von Windows gelöscht und dabei neu angelegt.");
+}
+
+TTCPPagingFile::~TTCPPagingFile() = default;
+
+void TTCPPagingFile::EnumPagingFiles(StringList& Files) {
+  Files.clear();
+  StringList lines;
+  if (GetRegMultiStringValue(HKEY_LOCAL_MACHINE, kMemoryManagementKey, u"PagingFiles", lines,
+                             RO_None) != 0)
+    return;
+  for (const auto& line : lines) {
+    // "C:\pagefile.sys 1024 2048": the sizes behind the path are dropped.
+    String path = Param(line, 1);
+    if (OrviFileExists(path)) Files.push_back(path);
+  }
+}
+
+void TTCPPagingFile::Scan() {
+  TTCPlugin::Scan();
+  StringList files;
+  EnumPagingFiles(files);
+  IncTraceCount(static_cast<int>(files.size()));
+}
+
+void TTCPPagingFile::Clean() {
+  TTCPlugin::Clean();
+  StringList files;
+  EnumPagingFiles(files);
+  // Windows holds its paging files open: they can only go at the next start.
+  for (const auto& file : files) {
+    DeleteFileOnReboot(file);
+    RebootRequired = true;
+  }
+}
+
+TTCPWindowsEventApps::TTCPWindowsEventApps() : TTCPlugin(u"TTCPWindowsEventApps") {
+  Describe(*this, rsApp_EventViewer, 4002, u"Liste der Anwendungsereignisse",
+           u"Windows protokolliert in einem Ereignisprotokoll, wann Anwendungen gestartet oder "
+           u"beendet wurden, wann eine Anwendung einen Fehler verursacht hat u.v.m. Anhand "
+           u"dieses Protokolls lässt sich nachvollziehen, mit welchen Anwendungen Sie wann "
+           u"gearbeitet haben.");
+  Active = true;
+  DeactivateIfAbsent = false;
+}
+
+void TTCPWindowsEventApps::Scan() {
+  TTCPlugin::Scan();
+  ScanEventLog(*this, 0);
+}
+
+void TTCPWindowsEventApps::Clean() {
+  TTCPlugin::Clean();
+  CleanEventLog(0);
+}
+
+TTCPWindowsEventSecurity::TTCPWindowsEventSecurity() : TTCPlugin(u"TTCPWindowsEventSecurity") {
+  Describe(*this, rsApp_EventViewer, 4002, u"Liste der Sicherheitsrelevante Ereignisse",
+           u"Windows speichert Sicherheitsrelevante Ereignisse in einem Protokoll. Ein "
+           u"Sicherheitsrelevantes Ereignis ist z.B. das Sichern oder Löschen von Einträgen in "
+           u"der Registrierungsdatenbank.");
+  Active = true;
+  DeactivateIfAbsent = false;
+}
+
+void TTCPWindowsEventSecurity::Scan() {
+  TTCPlugin::Scan();
+  ScanEventLog(*this, 1);
+}
+
+void TTCPWindowsEventSecurity::Clean() {
+  TTCPlugin::Clean();
+  CleanEventLog(1);
+}
+
+TTCPWindowsEventSystem::TTCPWindowsEventSystem() : TTCPlugin(u"TTCPWindowsEventSystem") {
+  Describe(*this, rsApp_EventViewer, 4002, u"Liste der Systemereignisse",
+           u"Windows protokolliert Systemmeldungen in einem Ereignissprotokoll. Dazu gehören "
+           u"z.B. das Starten und Beenden von Diensten und Treibern sowie Fehler der Hardware. "
+           u"Anhand dieses Protokolls lässt sich nachvollziehen, wann Ihr Computer benutzt "
+           u"wurde.");
+  Active = true;
+  DeactivateIfAbsent = false;
+}
+
+void TTCPWindowsEventSystem::Scan() {
+  TTCPlugin::Scan();
+  ScanEventLog(*this, 2);
+}
+
+void TTCPWindowsEventSystem::Clean() {
+  TTCPlugin::Clean();
+  CleanEventLog(2);
+}
+
+void TCP_Windows_Initialization() {
+  TCPRecycleBin = new TTCPRecycleBin();
+  TCPPagingFile = new TTCPPagingFile();
+  TCPWindowsEventApps = new TTCPWindowsEventApps();
+  TCPWindowsEventSecurity = new TTCPWindowsEventSecurity();
+  TCPWindowsEventSystem = new TTCPWindowsEventSystem();
+}
+
+void TCP_Windows_Finalization() {
+  FreeAndNil(TCPRecycleBin);
+  FreeAndNil(TCPPagingFile);
+  FreeAndNil(TCPWindowsEventApps);
+  FreeAndNil(TCPWindowsEventSecurity);
+  FreeAndNil(TCPWindowsEventSystem);
+}
+
+}  // namespace tc
