@@ -1,0 +1,42 @@
+#include "platform/win32/Win32Platform.h"
+
+#include "platform/DefaultIconCatalogue.h"
+#include "platform/RegistryProductSettings.h"
+#include "platform/SystemClock.h"
+#include "platform/win32/MsXmlDocuments.h"
+#include "platform/win32/Win32EventLogs.h"
+#include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32IniFiles.h"
+#include "platform/win32/Win32ProtectedStorage.h"
+#include "platform/win32/Win32RebootDeleter.h"
+#include "platform/win32/Win32RecycleBin.h"
+#include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32Shell.h"
+#include "platform/win32/Win32UrlCache.h"
+#include "platform/win32/Win32UrlHistory.h"
+#include "platform/win32/Win32UserInterface.h"
+
+namespace tc {
+
+std::shared_ptr<Platform> MakeWin32Platform() {
+  auto p = std::make_shared<Platform>();
+  auto registry = std::make_shared<Win32Registry>();
+  p->Registry = registry;
+  p->Files = std::make_shared<Win32FileSystem>();
+  p->Shell = std::make_shared<Win32Shell>();
+  p->UrlCache = std::make_shared<Win32UrlCache>();
+  p->ProtectedStorage = std::make_shared<Win32ProtectedStorage>();
+  p->UrlHistory = std::make_shared<Win32UrlHistory>();
+  p->EventLogs = std::make_shared<Win32EventLogs>();
+  p->RecycleBin = std::make_shared<Win32RecycleBin>();
+  p->RebootDeleter = std::make_shared<Win32RebootDeleter>();
+  p->ProductSettings = std::make_shared<RegistryProductSettings>(registry);
+  p->IniFiles = std::make_shared<Win32IniFiles>();
+  p->Xml = std::make_shared<MsXmlDocuments>();
+  p->UI = std::make_shared<Win32UserInterface>();
+  p->Clock = std::make_shared<SystemClock>();
+  p->Icons = std::make_shared<DefaultIconCatalogue>();
+  return p;
+}
+
+}  // namespace tc
