@@ -3,6 +3,10 @@
 #include <map>
 
 #include "engine/TC_BasePlugin.h"
+#include "plugins/TCP_Archiver.h"
+#include "plugins/TCP_FileSharing.h"
+#include "plugins/TCP_MSOffice.h"
+#include "plugins/TCP_Player.h"
 #include "plugins/TCP_Windows.h"
 #include "plugins/TCP_WindowsExplorer.h"
 #include "plugins/TCP_WindowsTools.h"
@@ -15,13 +19,13 @@ const std::vector<TUnitInfo>& PackageUnits() {
       {u"TC_BasePlugin", TC_BasePlugin_Initialization, TC_BasePlugin_Finalization},
       {u"TCP_Firefox", nullptr, nullptr},
       {u"TCP_InternetExplorer", nullptr, nullptr},
-      {u"TCP_MSOffice", nullptr, nullptr},
-      {u"TCP_Player", nullptr, nullptr},
+      {u"TCP_MSOffice", TCP_MSOffice_Initialization, TCP_MSOffice_Finalization},
+      {u"TCP_Player", TCP_Player_Initialization, TCP_Player_Finalization},
       {u"TCP_Windows", TCP_Windows_Initialization, TCP_Windows_Finalization},
       {u"TCP_WindowsExplorer", TCP_WindowsExplorer_Initialization, TCP_WindowsExplorer_Finalization},
       {u"TCP_WindowsTools", TCP_WindowsTools_Initialization, TCP_WindowsTools_Finalization},
-      {u"TCP_Archiver", nullptr, nullptr},
-      {u"TCP_FileSharing", nullptr, nullptr},
+      {u"TCP_Archiver", TCP_Archiver_Initialization, TCP_Archiver_Finalization},
+      {u"TCP_FileSharing", TCP_FileSharing_Initialization, TCP_FileSharing_Finalization},
       {u"TCP_Toolbars", nullptr, nullptr},
       {u"TCP_Messenger", nullptr, nullptr},
       {u"TCP_Tools", nullptr, nullptr},
