@@ -3,7 +3,8 @@
 # Usage: tools/setup.sh [--windows]   (--windows adds the MinGW-w64 cross compiler and Wine)
 set -euo pipefail
 pkgs=(build-essential cmake pkg-config libhivex-dev libhivex-bin libpugixml-dev
-      googletest libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev)
+      googletest libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
+      reglookup)
 if [ "${1:-}" = "--windows" ]; then
   pkgs+=(g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix mingw-w64-tools wine wine64)
 fi

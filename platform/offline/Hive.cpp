@@ -1,0 +1,208 @@
+#include "platform/offline/Hive.h"
+
+#include <fcntl.h>
+#include <hivex.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/TextCodec.h"
+#include "platform/offline/HiveFormat.h"
+#include "platform/offline/OsError.h"
+
+namespace tc {
+
+namespace {
+
+bool IsAscii(const String& s) {
+  for (char16_t c : s)
+    if (c >= 0x80) return false;
+  return true;
+}
+
+String NodeName(hive_h* h, Hive::Node node) {
+  char* raw = hivex_node_name(h, node);
+  if (!raw) return String();
+  String name = FromUtf8(raw);
+  free(raw);
+  return name;
+}
+
+uint32_t LastHivexError() { return errno ? WinErrorFromErrno(errno) : ERROR_BADDB; }
+
+void SyncFolderOf(const std::string& path) {
+  size_t slash = path.rfind('/');
+  std::string dir = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd >= 0) {
+    fsync(fd);
+    close(fd);
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<Hive> Hive::Open(const std::string& path, std::string& error) {
+  std::string problem = CheckHiveFile(path);
+  if (!problem.empty()) {
+    error = path + " " + problem;
+    return nullptr;
+  }
+  errno = 0;
+  hive_h* h = hivex_open(path.c_str(), HIVEX_OPEN_WRITE);
+  if (!h) {
+    error = path + " is damaged and cannot be read as a hive (" +
+            (errno ? std::strerror(errno) : "unknown fault") + ")";
+    return nullptr;
+  }
+  return std::unique_ptr<Hive>(new Hive(h, path));
+}
+
+Hive::~Hive() { hivex_close(h_); }
+
+Hive::Node Hive::Root() const { return hivex_root(h_); }
+
+Hive::Node Hive::Child(Node parent, const String& name) {
+  if (name.empty()) return 0;
+  errno = 0;
+  Node child = hivex_node_get_child(h_, parent, ToUtf8(name).c_str());
+  if (child || IsAscii(name)) return child;
+  // hivex folds ASCII letters only; names with other letters are compared here.
+  hive_node_h* children = hivex_node_children(h_, parent);
+  if (!children) return 0;
+  for (hive_node_h* c = children; *c; ++c) {
+    if (SameText(NodeName(h_, *c), name)) {
+      child = *c;
+      break;
+    }
+  }
+  free(children);
+  return child;
+}
+
+uint32_t Hive::ChildNames(Node node, StringList& names) {
+  names.clear();
+  errno = 0;
+  hive_node_h* children = hivex_node_children(h_, node);
+  if (!children) return LastHivexError();
+  for (hive_node_h* c = children; *c; ++c) names.push_back(NodeName(h_, *c));
+  free(children);
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::Values(Node node, const std::vector<RegNamedValue>*& values) {
+  auto it = values_.find(node);
+  if (it == values_.end()) {
+    errno = 0;
+    hive_value_h* handles = hivex_node_values(h_, node);
+    if (!handles) return LastHivexError();
+    CachedValues cached;
+    for (hive_value_h* v = handles; *v; ++v) {
+      char* key = hivex_value_key(h_, *v);
+      hive_type type;
+      size_t len = 0;
+      char* data = hivex_value_value(h_, *v, &type, &len);
+      if (key && data) {  // a damaged value is left out rather than failing the key
+        RegNamedValue value;
+        value.Name = FromUtf8(key);
+        value.Value.Type = uint32_t(type);
+        value.Value.Data.assign(reinterpret_cast<uint8_t*>(data),
+                                reinterpret_cast<uint8_t*>(data) + len);
+        cached.values.push_back(std::move(value));
+      }
+      free(key);
+      free(data);
+    }
+    free(handles);
+    it = values_.emplace(node, std::move(cached)).first;
+  }
+  values = &it->second.values;
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::SetValues(Node node, std::vector<RegNamedValue> values) {
+  CachedValues& cached = values_[node];
+  cached.values = std::move(values);
+  cached.changed = true;
+  dirty_ = true;
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::AddChild(Node parent, const String& name, Node& child) {
+  errno = 0;
+  child = hivex_node_add_child(h_, parent, ToUtf8(name).c_str());
+  if (!child) return LastHivexError();
+  dirty_ = true;
+  return ERROR_SUCCESS;
+}
+
+bool Hive::IsBelow(Node node, Node ancestor) {
+  Node root = Root();
+  for (int depth = 0; node && depth < 512; ++depth) {
+    if (node == ancestor) return true;
+    if (node == root) return false;
+    node = hivex_node_parent(h_, node);
+  }
+  return false;
+}
+
+uint32_t Hive::DeleteTree(Node node) {
+  if (node == Root()) return ERROR_ACCESS_DENIED;
+  // Pending values of deleted nodes must never be written into their freed cells.
+  for (auto it = values_.begin(); it != values_.end();)
+    it = IsBelow(it->first, node) ? values_.erase(it) : std::next(it);
+  errno = 0;
+  if (hivex_node_delete_child(h_, node) != 0) return LastHivexError();
+  dirty_ = true;
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::Commit(std::string& error) {
+  if (!dirty_) return ERROR_SUCCESS;
+  for (auto& [node, cached] : values_) {
+    if (!cached.changed) continue;
+    std::vector<std::string> names;
+    names.reserve(cached.values.size());
+    std::vector<hive_set_value> set(cached.values.size());
+    for (size_t i = 0; i < cached.values.size(); ++i) {
+      RegNamedValue& v = cached.values[i];
+      names.push_back(ToUtf8(v.Name));
+      set[i].key = names.back().data();
+      set[i].t = hive_type(v.Value.Type);
+      set[i].len = v.Value.Data.size();
+      set[i].value = reinterpret_cast<char*>(v.Value.Data.data());
+    }
+    errno = 0;
+    if (hivex_node_set_values(h_, node, set.size(), set.data(), 0) != 0) {
+      uint32_t code = LastHivexError();
+      error = path_ + " could not be changed (" + std::strerror(errno) + ")";
+      return code;
+    }
+    cached.changed = false;
+  }
+
+  std::string temp = path_ + ".tc-new";
+  auto fail = [&](const char* what, int err) {
+    unlink(temp.c_str());
+    error = path_ + ": " + what + " failed (" + std::strerror(err) + "); the hive is unchanged";
+    return WinErrorFromErrno(err);
+  };
+  errno = 0;
+  if (hivex_commit(h_, temp.c_str(), 0) != 0) return fail("writing the new hive", errno);
+  int fd = open(temp.c_str(), O_RDWR | O_CLOEXEC);
+  if (fd < 0) return fail("reopening the new hive", errno);
+  int err = ZeroFreeCells(fd);
+  if (err == 0 && fsync(fd) != 0) err = errno;
+  struct stat st {};
+  if (err == 0 && stat(path_.c_str(), &st) == 0) fchmod(fd, st.st_mode & 07777);
+  close(fd);
+  if (err != 0) return fail("wiping the free cells", err);
+  if (rename(temp.c_str(), path_.c_str()) != 0) return fail("replacing the hive", errno);
+  SyncFolderOf(path_);
+  dirty_ = false;
+  return ERROR_SUCCESS;
+}
+
+}  // namespace tc

@@ -1,0 +1,57 @@
+// One registry hive file, loaded once through hivex and written back as a whole.
+#pragma once
+#include <map>
+#include <memory>
+#include <string>
+
+#include "platform/Registry.h"
+
+struct hive_h;
+
+namespace tc {
+
+class Hive {
+ public:
+  using Node = size_t;  // 0 is no node
+
+  // Opens a hive for reading and writing. A file that is not a clean, complete NT hive is
+  // refused (nullptr) and not touched; `error` then says why, naming the file.
+  static std::unique_ptr<Hive> Open(const std::string& path, std::string& error);
+  ~Hive();
+  Hive(const Hive&) = delete;
+  Hive& operator=(const Hive&) = delete;
+
+  const std::string& Path() const { return path_; }
+  Node Root() const;
+  // The sub-key with that name (case-insensitive), 0 if there is none.
+  Node Child(Node parent, const String& name);
+  uint32_t ChildNames(Node node, StringList& names);
+  // Values in stored order; changes made since the last Commit included.
+  uint32_t Values(Node node, const std::vector<RegNamedValue>*& values);
+  // Replaces all values of the node; written to the file by Commit.
+  uint32_t SetValues(Node node, std::vector<RegNamedValue> values);
+  uint32_t AddChild(Node parent, const String& name, Node& child);
+  // Deletes the node with everything below it; the root cannot be deleted.
+  uint32_t DeleteTree(Node node);
+
+  bool Dirty() const { return dirty_; }
+  // Writes the hive to a new file beside it, wipes its free cells, flushes it and renames
+  // it over the original: the original stays intact if anything fails. Does nothing
+  // when nothing changed.
+  uint32_t Commit(std::string& error);
+
+ private:
+  Hive(hive_h* h, std::string path) : h_(h), path_(std::move(path)) {}
+  bool IsBelow(Node node, Node ancestor);
+
+  struct CachedValues {
+    std::vector<RegNamedValue> values;
+    bool changed = false;
+  };
+  hive_h* h_;
+  std::string path_;
+  std::map<Node, CachedValues> values_;
+  bool dirty_ = false;
+};
+
+}  // namespace tc

@@ -1,0 +1,253 @@
+#include "platform/offline/OfflineVolume.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/TextCodec.h"
+#include "platform/offline/OsError.h"
+
+namespace tc {
+
+namespace {
+
+constexpr int64_t kUnixEpochAsFileTime = 116444736000000000LL;
+
+FileInfo InfoFromStat(const std::string& name, const struct stat& st, const std::string& host) {
+  FileInfo info;
+  info.Name = FromUtf8(name);
+  if (S_ISLNK(st.st_mode)) {
+    info.Attributes = FILE_ATTRIBUTE_REPARSE_POINT;
+    struct stat target {};
+    if (stat(host.c_str(), &target) == 0 && S_ISDIR(target.st_mode))
+      info.Attributes |= FILE_ATTRIBUTE_DIRECTORY;
+  } else if (S_ISDIR(st.st_mode)) {
+    info.Attributes = FILE_ATTRIBUTE_DIRECTORY;
+  } else {
+    info.Attributes = FILE_ATTRIBUTE_ARCHIVE;
+    info.Size = uint64_t(st.st_size);
+  }
+  if ((st.st_mode & S_IWUSR) == 0) info.Attributes |= FILE_ATTRIBUTE_READONLY;
+  info.LastWriteTime =
+      kUnixEpochAsFileTime + int64_t(st.st_mtim.tv_sec) * 10000000 + st.st_mtim.tv_nsec / 100;
+  return info;
+}
+
+std::string BaseName(const std::string& host) { return host.substr(host.rfind('/') + 1); }
+
+// True while another open handle holds the file for writing (or, for `exclusive`, at all).
+bool InUse(const std::string& host, bool exclusive) {
+  int fd = open(host.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) return false;
+  bool busy = flock(fd, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(fd);
+  return busy;
+}
+
+class FileHandle : public IFileHandle {
+ public:
+  explicit FileHandle(int fd) : fd_(fd) {}
+  ~FileHandle() override { close(fd_); }
+  uint32_t Read(uint64_t offset, void* buffer, size_t size, size_t& done) override {
+    done = 0;
+    while (done < size) {
+      ssize_t n = pread(fd_, static_cast<char*>(buffer) + done, size - done, off_t(offset + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return WinErrorFromErrno(errno);
+      if (n == 0) break;
+      done += size_t(n);
+    }
+    return ERROR_SUCCESS;
+  }
+  uint32_t Write(uint64_t offset, const void* data, size_t size) override {
+    size_t done = 0;
+    while (done < size) {
+      ssize_t n = pwrite(fd_, static_cast<const char*>(data) + done, size - done,
+                         off_t(offset + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return WinErrorFromErrno(errno);
+      if (n == 0) return ERROR_DISK_FULL;
+      done += size_t(n);
+    }
+    return ERROR_SUCCESS;
+  }
+  uint32_t Flush() override { return fsync(fd_) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno); }
+  uint32_t SetSize(uint64_t size) override {
+    return ftruncate(fd_, off_t(size)) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno);
+  }
+  uint32_t GetSize(uint64_t& size) override {
+    struct stat st {};
+    if (fstat(fd_, &st) != 0) return WinErrorFromErrno(errno);
+    size = uint64_t(st.st_size);
+    return ERROR_SUCCESS;
+  }
+
+ private:
+  int fd_;
+};
+
+}  // namespace
+
+uint32_t OfflineVolume::ListFolder(const String& folder, std::vector<FileInfo>& entries) {
+  entries.clear();
+  std::string host;
+  uint32_t rc = drives_.Resolve(folder, LastLink::Follow, false, host);
+  if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
+  DIR* dir = opendir(host.c_str());
+  if (!dir) return errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND;
+  while (dirent* e = readdir(dir)) {
+    std::string name = e->d_name;
+    if (name == "." || name == "..") continue;
+    struct stat st {};
+    std::string child = host + "/" + name;
+    if (lstat(child.c_str(), &st) == 0) entries.push_back(InfoFromStat(name, st, child));
+  }
+  closedir(dir);
+  std::vector<std::pair<String, size_t>> keys;
+  for (size_t i = 0; i < entries.size(); ++i) keys.emplace_back(UpperCase(entries[i].Name), i);
+  std::sort(keys.begin(), keys.end());
+  std::vector<FileInfo> sorted;
+  sorted.reserve(entries.size());
+  for (auto& k : keys) sorted.push_back(std::move(entries[k.second]));
+  entries = std::move(sorted);
+  return ERROR_SUCCESS;
+}
+
+uint32_t OfflineVolume::GetInfo(const String& path, FileInfo& info) {
+  std::string host;
+  uint32_t rc = drives_.Resolve(path, LastLink::NoFollow, false, host);
+  if (rc != ERROR_SUCCESS) return rc;
+  struct stat st {};
+  if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
+  info = InfoFromStat(BaseName(host), st, host);
+  return ERROR_SUCCESS;
+}
+
+uint32_t OfflineVolume::Open(const String& path, OpenMode mode,
+                             std::unique_ptr<IFileHandle>& file) {
+  file.reset();
+  bool creating = mode == OpenMode::CreateAlways || mode == OpenMode::CreateNew;
+  std::string host;
+  uint32_t rc = drives_.Resolve(path, LastLink::Follow, creating, host);
+  if (rc != ERROR_SUCCESS) return rc;
+  struct stat st {};
+  bool exists = lstat(host.c_str(), &st) == 0;
+  if (exists && S_ISDIR(st.st_mode)) return ERROR_ACCESS_DENIED;
+  if (mode == OpenMode::CreateNew && exists) return ERROR_FILE_EXISTS;
+  if (mode != OpenMode::Read && exists && (st.st_mode & S_IWUSR) == 0) return ERROR_ACCESS_DENIED;
+  int flags = O_NOFOLLOW | O_CLOEXEC;
+  switch (mode) {
+    case OpenMode::Read: flags |= O_RDONLY; break;
+    case OpenMode::ReadWrite: flags |= O_RDWR; break;
+    case OpenMode::CreateAlways: flags |= O_RDWR | O_CREAT; break;
+    case OpenMode::CreateNew: flags |= O_RDWR | O_CREAT | O_EXCL; break;
+  }
+  int fd = open(host.c_str(), flags, 0666);
+  if (fd < 0) return WinErrorFromErrno(errno);
+  // Readers share with readers; a writer shares with nobody.
+  if (flock(fd, (mode == OpenMode::Read ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0) {
+    int err = errno;
+    close(fd);
+    if (!exists) unlink(host.c_str());
+    return err == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : WinErrorFromErrno(err);
+  }
+  if (mode == OpenMode::CreateAlways && ftruncate(fd, 0) != 0) {
+    int err = errno;
+    close(fd);
+    return WinErrorFromErrno(err);
+  }
+  file = std::make_unique<FileHandle>(fd);
+  return ERROR_SUCCESS;
+}
+
+uint32_t OfflineVolume::RemoveFile(const String& path) {
+  std::string host;
+  uint32_t rc = drives_.Resolve(path, LastLink::NoFollow, false, host);
+  if (rc != ERROR_SUCCESS) return rc;
+  struct stat st {};
+  if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
+  if (S_ISDIR(st.st_mode)) return ERROR_ACCESS_DENIED;
+  if (!S_ISLNK(st.st_mode)) {
+    if ((st.st_mode & S_IWUSR) == 0) return ERROR_ACCESS_DENIED;
+    if (InUse(host, true)) return ERROR_SHARING_VIOLATION;
+  }
+  return unlink(host.c_str()) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno);
+}
+
+uint32_t OfflineVolume::MakeFolder(const String& path) {
+  if (path.size() < 2 || path[1] != u':' || !drives_.Has(path[0])) return ERROR_PATH_NOT_FOUND;
+  String prefix = path.substr(0, std::min<size_t>(path.size(), 3));
+  size_t pos = prefix.size();
+  while (pos <= path.size()) {
+    size_t end = path.find_first_of(u"\\/", pos);
+    if (end == String::npos) end = path.size();
+    if (end > pos) {
+      String partial = path.substr(0, end);
+      std::string host;
+      uint32_t rc = drives_.Resolve(partial, LastLink::Follow, true, host);
+      if (rc != ERROR_SUCCESS) return rc;
+      struct stat st {};
+      if (stat(host.c_str(), &st) != 0) {
+        if (mkdir(host.c_str(), 0777) != 0 && errno != EEXIST) return WinErrorFromErrno(errno);
+      } else if (!S_ISDIR(st.st_mode)) {
+        return ERROR_ALREADY_EXISTS;
+      }
+    }
+    pos = end + 1;
+  }
+  return ERROR_SUCCESS;
+}
+
+uint32_t OfflineVolume::RemoveFolder(const String& path) {
+  std::string host;
+  uint32_t rc = drives_.Resolve(path, LastLink::NoFollow, false, host);
+  if (rc != ERROR_SUCCESS) return rc;
+  struct stat st {};
+  if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
+  if (S_ISLNK(st.st_mode)) return unlink(host.c_str()) == 0 ? 0 : WinErrorFromErrno(errno);
+  if (!S_ISDIR(st.st_mode)) return ERROR_PATH_NOT_FOUND;
+  if (rmdir(host.c_str()) == 0) return ERROR_SUCCESS;
+  return errno == EEXIST ? ERROR_DIR_NOT_EMPTY : WinErrorFromErrno(errno);
+}
+
+uint32_t OfflineVolume::Rename(const String& from, const String& to) {
+  std::string hostFrom, hostTo;
+  uint32_t rc = drives_.Resolve(from, LastLink::NoFollow, false, hostFrom);
+  if (rc != ERROR_SUCCESS) return rc;
+  rc = drives_.Resolve(to, LastLink::NoFollow, true, hostTo);
+  if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
+  struct stat st {};
+  if (lstat(hostFrom.c_str(), &st) == 0 && S_ISREG(st.st_mode) && InUse(hostFrom, true))
+    return ERROR_SHARING_VIOLATION;
+  struct stat target {};
+  if (lstat(hostTo.c_str(), &target) == 0 && hostTo != hostFrom) {
+    if (S_ISDIR(target.st_mode)) return ERROR_ACCESS_DENIED;
+    if (S_ISREG(target.st_mode) && InUse(hostTo, true)) return ERROR_SHARING_VIOLATION;
+  }
+  return rename(hostFrom.c_str(), hostTo.c_str()) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno);
+}
+
+uint32_t OfflineVolume::SetAttributes(const String& path, uint32_t attributes) {
+  std::string host;
+  uint32_t rc = drives_.Resolve(path, LastLink::NoFollow, false, host);
+  if (rc != ERROR_SUCCESS) return rc;
+  struct stat st {};
+  if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
+  if (S_ISLNK(st.st_mode)) return ERROR_SUCCESS;  // links carry no attributes of their own
+  // Only the read-only flag has a POSIX counterpart.
+  mode_t mode = st.st_mode & 07777;
+  mode = (attributes & FILE_ATTRIBUTE_READONLY) ? (mode & ~mode_t(0222)) : (mode | S_IWUSR);
+  return chmod(host.c_str(), mode) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno);
+}
+
+uint32_t OfflineVolume::DriveType(const String& path) {
+  if (path.size() >= 2 && path[1] == u':' && drives_.Has(path[0])) return kDriveFixed;
+  return kDriveNoRootDir;
+}
+
+}  // namespace tc

@@ -1,0 +1,150 @@
+#include "platform/offline/VolumePath.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cstdlib>
+#include <deque>
+#include <vector>
+
+#include "platform/TextCodec.h"
+
+namespace tc {
+
+namespace {
+
+constexpr int kMaxLinks = 40;  // as the kernel's own limit for nested links
+
+std::string Join(const std::string& root, const std::vector<std::string>& parts) {
+  std::string out = root;
+  for (const auto& p : parts) out += "/" + p;
+  return out;
+}
+
+// The entry of `folder` named `name`, case-insensitively; an exact match wins.
+bool FindEntry(const std::string& folder, const std::string& name, std::string& found,
+               struct stat& st) {
+  if (lstat((folder + "/" + name).c_str(), &st) == 0) {
+    found = name;
+    return true;
+  }
+  DIR* dir = opendir(folder.c_str());
+  if (!dir) return false;
+  String wanted = FromUtf8(name);
+  std::string best;
+  while (dirent* e = readdir(dir)) {
+    std::string candidate = e->d_name;
+    if (candidate == "." || candidate == "..") continue;
+    if (SameText(FromUtf8(candidate), wanted) && (best.empty() || candidate < best))
+      best = candidate;
+  }
+  closedir(dir);
+  if (best.empty() || lstat((folder + "/" + best).c_str(), &st) != 0) return false;
+  found = best;
+  return true;
+}
+
+void SplitInto(const std::string& s, char sep, std::deque<std::string>& out, bool front) {
+  std::vector<std::string> parts;
+  size_t start = 0;
+  while (start <= s.size()) {
+    size_t end = s.find(sep, start);
+    if (end == std::string::npos) end = s.size();
+    if (end > start) parts.push_back(s.substr(start, end - start));
+    start = end + 1;
+  }
+  if (front)
+    out.insert(out.begin(), parts.begin(), parts.end());
+  else
+    out.insert(out.end(), parts.begin(), parts.end());
+}
+
+}  // namespace
+
+bool DriveMap::Map(char16_t letter, const std::string& folder) {
+  char resolved[PATH_MAX];
+  if (!realpath(folder.c_str(), resolved)) return false;
+  struct stat st {};
+  if (stat(resolved, &st) != 0 || !S_ISDIR(st.st_mode)) return false;
+  std::string root = resolved;
+  while (root.size() > 1 && root.back() == '/') root.pop_back();
+  roots_[UpCaseAscii(letter)] = root;
+  return true;
+}
+
+bool DriveMap::Has(char16_t letter) const { return roots_.count(UpCaseAscii(letter)) != 0; }
+
+std::string DriveMap::Root(char16_t letter) const {
+  auto it = roots_.find(UpCaseAscii(letter));
+  return it == roots_.end() ? std::string() : it->second;
+}
+
+uint32_t DriveMap::Resolve(const String& path, LastLink last, bool allowMissingLast,
+                           std::string& host) const {
+  if (path.size() < 2 || path[1] != u':') return ERROR_PATH_NOT_FOUND;
+  std::string root = Root(path[0]);
+  if (root.empty()) return ERROR_PATH_NOT_FOUND;
+  std::string rest = ToUtf8(path.substr(2));
+  for (char& c : rest)
+    if (c == '\\') c = '/';
+  // Components still to walk; only those that came from link targets may hold "..".
+  std::deque<std::string> pending;
+  SplitInto(rest, '/', pending, false);
+  for (const auto& p : pending)
+    if (p == "..") return ERROR_INVALID_NAME;
+  std::vector<std::string> done;
+  int links = 0;
+  while (!pending.empty()) {
+    std::string part = pending.front();
+    pending.pop_front();
+    bool isLast = pending.empty();
+    if (part == ".") continue;
+    if (part == "..") {
+      if (done.empty()) return ERROR_ACCESS_DENIED;  // a link climbing out of the drive
+      done.pop_back();
+      continue;
+    }
+    std::string folder = Join(root, done);
+    std::string found;
+    struct stat st {};
+    if (!FindEntry(folder, part, found, st)) {
+      if (isLast && allowMissingLast) {
+        done.push_back(part);
+        break;
+      }
+      return isLast ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+    }
+    if (S_ISLNK(st.st_mode) && (!isLast || last == LastLink::Follow)) {
+      if (++links > kMaxLinks) return ERROR_CANT_RESOLVE_FILENAME;
+      char target[PATH_MAX];
+      ssize_t n = readlink((folder + "/" + found).c_str(), target, sizeof target - 1);
+      if (n <= 0) return ERROR_ACCESS_DENIED;
+      target[n] = 0;
+      if (target[0] == '/') return ERROR_ACCESS_DENIED;  // would leave the image
+      SplitInto(target, '/', pending, true);
+      continue;
+    }
+    if (!isLast && !S_ISDIR(st.st_mode)) return ERROR_PATH_NOT_FOUND;
+    done.push_back(found);
+  }
+  host = Join(root, done);
+  return ERROR_SUCCESS;
+}
+
+String DriveMap::ToWindows(const std::string& host) const {
+  for (const auto& [letter, root] : roots_) {
+    if (host == root) return String(1, letter) + u":\\";
+    if (host.size() > root.size() && host.compare(0, root.size(), root) == 0 &&
+        host[root.size()] == '/') {
+      std::string rest = host.substr(root.size() + 1);
+      for (char& c : rest)
+        if (c == '/') c = '\\';
+      return String(1, letter) + u":\\" + FromUtf8(rest);
+    }
+  }
+  return String();
+}
+
+}  // namespace tc

@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+#include "OfflineTestSupport.h"
+#include "platform/TextCodec.h"
+#include "platform/offline/Hive.h"
+#include "platform/offline/HiveFormat.h"
+
+namespace fs = std::filesystem;
+
+namespace tc {
+namespace {
+
+using test::TempDir;
+
+size_t CountKeys(Hive& hive, Hive::Node node) {
+  size_t n = 1;
+  StringList names;
+  EXPECT_EQ(0u, hive.ChildNames(node, names));
+  for (const auto& name : names) n += CountKeys(hive, hive.Child(node, name));
+  return n;
+}
+
+Hive::Node Walk(Hive& hive, std::initializer_list<const char16_t*> path) {
+  Hive::Node node = hive.Root();
+  for (const char16_t* part : path) node = node ? hive.Child(node, part) : 0;
+  return node;
+}
+
+const RegNamedValue* Find(const std::vector<RegNamedValue>& values, const String& name) {
+  for (const auto& v : values)
+    if (SameText(v.Name, name)) return &v;
+  return nullptr;
+}
+
+void PutLe32(std::string& bytes, size_t at, uint32_t v) {
+  for (int i = 0; i < 4; ++i) bytes[at + i] = char(v >> (8 * i));
+}
+
+void FixChecksum(std::string& bytes) {
+  uint32_t sum = 0;
+  for (size_t i = 0; i < 508; i += 4) {
+    uint32_t d;
+    std::memcpy(&d, bytes.data() + i, 4);
+    sum ^= d;
+  }
+  PutLe32(bytes, 508, sum);
+}
+
+TEST(HiveFormatTest, RefusesWhatIsNotACleanCompleteHive) {
+  TempDir dir;
+  const std::string good = [&] {
+    fs::path p = dir.Path() / "good";
+    EXPECT_EQ(0, WriteEmptyHive(p.string(), "ROOT"));
+    return test::ReadBytes(p);
+  }();
+  struct Case {
+    const char* name;
+    std::function<std::string()> make;
+    const char* reason;  // "" for a hive that is accepted
+  };
+  const Case cases[] = {
+      {"empty hive", [&] { return good; }, ""},
+      {"Windows 9x file", [&] { return test::ReadBytes(fs::path(TC_REALWORLD_DIR) /
+                                                       "hives/USER-win9x.DAT"); },
+       "Windows 95/98/Me"},
+      {"text file", [] { return std::string("just some text, no hive at all\n"); },
+       "no regf signature"},
+      {"empty file", [] { return std::string(); }, "no regf signature"},
+      {"pending log", [&] { auto b = good; PutLe32(b, 4, 7); FixChecksum(b); return b; },
+       "unapplied transaction logs"},
+      {"cut after base block", [&] { return good.substr(0, 4096 + 100); }, "truncated"},
+      {"cut in base block", [&] { return good.substr(0, 200); }, "truncated"},
+      {"bad checksum", [&] { auto b = good; b[100] ^= 1; return b; }, "checksum"},
+  };
+  for (const auto& c : cases) {
+    fs::path file = dir.Path() / "case";
+    test::WriteBytes(file, c.make());
+    std::string error;
+    std::unique_ptr<Hive> hive = Hive::Open(file.string(), error);
+    if (*c.reason == 0) {
+      EXPECT_TRUE(hive) << c.name << ": " << error;
+    } else {
+      EXPECT_FALSE(hive) << c.name;
+      EXPECT_NE(std::string::npos, error.find(c.reason)) << c.name << ": " << error;
+      EXPECT_NE(std::string::npos, error.find(file.string())) << c.name << ": " << error;
+    }
+  }
+}
+
+TEST(HiveTest, RealWindows10HiveEnumeratesAsItsOriginSays) {
+  TempDir dir;
+  fs::path file = dir.Path() / "NTUSER.DAT";
+  test::CopyRealHive("NTUSER-win10.DAT", file);
+  std::string error;
+  auto hive = Hive::Open(file.string(), error);
+  ASSERT_TRUE(hive) << error;
+  EXPECT_EQ(1597u, CountKeys(*hive, hive->Root()));
+  StringList names;
+  ASSERT_EQ(0u, hive->ChildNames(hive->Root(), names));
+  EXPECT_EQ(u"AppEvents", names.at(0));
+  Hive::Node software = Walk(*hive, {u"SOFTWARE"});
+  ASSERT_EQ(0u, hive->ChildNames(software, names));
+  EXPECT_EQ(7u, names.size());
+  EXPECT_EQ(1219u, CountKeys(*hive, software));  // the key itself and all below it
+  const std::vector<RegNamedValue>* values = nullptr;
+  ASSERT_EQ(0u, hive->Values(software, values));
+  EXPECT_TRUE(values->empty());
+  ASSERT_EQ(0u, hive->Values(Walk(*hive, {u"Console"}), values));
+  EXPECT_EQ(37u, values->size());
+  const RegNamedValue* color = Find(*values, u"colortable14");
+  ASSERT_TRUE(color);
+  EXPECT_EQ(REG_DWORD, color->Value.Type);
+  EXPECT_EQ((Bytes{0xFF, 0xFF, 0, 0}), color->Value.Data);
+}
+
+TEST(HiveTest, RewriteKeepsEverythingElseAndLeavesNothingToRecover) {
+  TempDir dir;
+  fs::path file = dir.Path() / "NTUSER.DAT";
+  test::CopyRealHive("NTUSER-win10.DAT", file);
+  std::string error;
+  {
+    auto hive = Hive::Open(file.string(), error);
+    ASSERT_TRUE(hive) << error;
+    Hive::Node typed = Walk(*hive, {u"Software", u"Microsoft", u"Internet Explorer", u"TypedURLs"});
+    ASSERT_TRUE(typed);
+    const std::vector<RegNamedValue>* values = nullptr;
+    ASSERT_EQ(0u, hive->Values(typed, values));
+    std::vector<RegNamedValue> kept;
+    for (const auto& v : *values)
+      if (v.Name != u"url1") kept.push_back(v);
+    ASSERT_EQ(4u, kept.size());
+    ASSERT_EQ(0u, hive->SetValues(typed, kept));
+    ASSERT_EQ(0u, hive->DeleteTree(Walk(*hive, {u"Software", u"Spotify"})));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, hive->DeleteTree(hive->Root()));
+    ASSERT_EQ(0u, hive->Commit(error)) << error;
+  }
+  auto hive = Hive::Open(file.string(), error);
+  ASSERT_TRUE(hive) << "the rewritten hive must pass the same checks: " << error;
+  size_t spotifyKeys = 0;
+  {
+    TempDir orig;
+    test::CopyRealHive("NTUSER-win10.DAT", orig.Path() / "h");
+    auto original = Hive::Open((orig.Path() / "h").string(), error);
+    spotifyKeys = CountKeys(*original, Walk(*original, {u"Software", u"Spotify"}));
+  }
+  EXPECT_EQ(1597u - spotifyKeys, CountKeys(*hive, hive->Root()));
+  const std::vector<RegNamedValue>* values = nullptr;
+  ASSERT_EQ(0u, hive->Values(
+                    Walk(*hive, {u"Software", u"Microsoft", u"Internet Explorer", u"TypedURLs"}),
+                    values));
+  EXPECT_FALSE(Find(*values, u"url1"));
+  ASSERT_TRUE(Find(*values, u"url2"));
+
+  // Neither the deleted value nor the deleted key can be read back from the file.
+  const std::string bytes = test::ReadBytes(file);
+  Bytes wide = ToUtf16LE(u"http://www.catnews.com/");
+  EXPECT_EQ(std::string::npos, bytes.find(std::string(wide.begin(), wide.end())));
+  std::vector<uint8_t> copy(bytes.begin(), bytes.end());
+  EXPECT_EQ(0u, ZeroFreeCells(copy.data(), copy.size()));
+
+  std::string out;
+  if (test::HaveTool("reglookup-recover")) {
+    EXPECT_EQ(0, test::Run("reglookup-recover '" + file.string() + "'", &out));
+    EXPECT_EQ(std::string::npos, out.find("catnews")) << out;
+    EXPECT_EQ(std::string::npos, out.find("url1")) << out;
+    EXPECT_EQ(std::string::npos, out.find("Spotify")) << out;
+  }
+  if (test::HaveTool("reglookup")) {
+    EXPECT_EQ(0, test::Run("reglookup -p /Console '" + file.string() + "'", &out));
+    EXPECT_NE(std::string::npos, out.find("ColorTable14,DWORD,0x0000FFFF")) << out;
+  }
+  if (test::HaveTool("hivexsh")) {
+    EXPECT_EQ(0, test::Run("printf 'cd Software\\\\Microsoft\\\\Internet Explorer\\\\TypedURLs\\n"
+                           "lsval\\n' | hivexsh '" + file.string() + "'", &out));
+    EXPECT_NE(std::string::npos, out.find("spotify.com")) << out;
+  }
+}
+
+TEST(HiveTest, FailedCommitLeavesTheOriginalUntouched) {
+  TempDir dir;
+  fs::path file = dir.Path() / "NTUSER.DAT";
+  test::CopyRealHive("NTUSER-win10.DAT", file);
+  const std::string before = test::ReadBytes(file);
+  std::string error;
+  auto hive = Hive::Open(file.string(), error);
+  ASSERT_TRUE(hive);
+  ASSERT_EQ(0u, hive->DeleteTree(Walk(*hive, {u"Console"})));
+  fs::create_directory(file.string() + ".tc-new");  // the new file cannot be written
+  EXPECT_NE(0u, hive->Commit(error));
+  EXPECT_NE(std::string::npos, error.find(file.string())) << error;
+  EXPECT_EQ(before, test::ReadBytes(file));
+  EXPECT_TRUE(hive->Dirty());
+}
+
+TEST(HiveTest, NamesOutsideAsciiMatchWithoutCase) {
+  TempDir dir;
+  fs::path file = dir.Path() / "h";
+  ASSERT_EQ(0, WriteEmptyHive(file.string(), "ROOT"));
+  std::string error;
+  auto hive = Hive::Open(file.string(), error);
+  Hive::Node child = 0;
+  ASSERT_EQ(0u, hive->AddChild(hive->Root(), u"Größe Ärger", child));
+  ASSERT_EQ(0u, hive->SetValues(child, {{u"Wert", {REG_SZ, {'x', 0, 0, 0}}}}));
+  ASSERT_EQ(0u, hive->Commit(error)) << error;
+  auto reopened = Hive::Open(file.string(), error);
+  Hive::Node found = reopened->Child(reopened->Root(), u"GRÖSSE ärger");
+  EXPECT_FALSE(found) << "ß has no upper-case letter of its own";
+  found = reopened->Child(reopened->Root(), u"grÖße äRGER");
+  ASSERT_TRUE(found);
+  const std::vector<RegNamedValue>* values = nullptr;
+  ASSERT_EQ(0u, reopened->Values(found, values));
+  ASSERT_EQ(1u, values->size());
+  EXPECT_EQ(u"Wert", (*values)[0].Name);
+}
+
+}  // namespace
+}  // namespace tc

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "OfflineTestSupport.h"
+#include "platform/TextCodec.h"
+#include "platform/offline/OfflineVolume.h"
+
+namespace fs = std::filesystem;
+
+namespace tc {
+namespace {
+
+class VolumeTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    c_ = dir_.Path() / "c";
+    outside_ = dir_.Path() / "outside";
+    fs::create_directories(c_ / "Users" / "Anna" / "Recent");
+    fs::create_directories(outside_);
+    test::WriteBytes(c_ / "Users" / "Anna" / "Recent" / "Brief.txt.lnk", "link");
+    test::WriteBytes(outside_ / "secret.txt", "keep me");
+    fs::create_symlink(outside_, c_ / "abs-link");
+    fs::create_symlink("../../outside", c_ / "Users" / "rel-out");
+    fs::create_symlink("Anna/Recent", c_ / "Users" / "inside");
+    fs::create_symlink(outside_ / "secret.txt", c_ / "Users" / "Anna" / "secret-link.txt");
+    DriveMap drives;
+    ASSERT_TRUE(drives.Map(u'C', c_.string()));
+    volume_ = std::make_unique<OfflineVolume>(drives);
+  }
+  test::TempDir dir_;
+  fs::path c_, outside_;
+  std::unique_ptr<OfflineVolume> volume_;
+};
+
+TEST_F(VolumeTest, PathsResolveWithoutCaseAndNeverLeaveTheImage) {
+  struct Case {
+    const char16_t* path;
+    uint32_t expected;
+  };
+  const Case cases[] = {
+      {u"C:\\Users\\Anna\\Recent\\Brief.txt.lnk", ERROR_SUCCESS},
+      {u"c:\\USERS\\anna\\recent\\BRIEF.TXT.LNK", ERROR_SUCCESS},
+      {u"C:/Users/Anna/Recent/Brief.txt.lnk", ERROR_SUCCESS},
+      {u"C:\\Users\\inside\\Brief.txt.lnk", ERROR_SUCCESS},  // a link within the image
+      {u"C:\\Users\\Anna\\Recent\\Nothing.lnk", ERROR_FILE_NOT_FOUND},
+      {u"C:\\Users\\Nobody\\Recent\\x", ERROR_PATH_NOT_FOUND},
+      {u"C:\\Users\\Anna\\Recent\\Brief.txt.lnk\\x", ERROR_PATH_NOT_FOUND},
+      {u"D:\\Users", ERROR_PATH_NOT_FOUND},
+      {u"C:\\Users\\..\\..\\outside\\secret.txt", ERROR_INVALID_NAME},
+      {u"C:\\abs-link\\secret.txt", ERROR_ACCESS_DENIED},
+      {u"C:\\Users\\rel-out\\secret.txt", ERROR_ACCESS_DENIED},
+  };
+  for (const auto& c : cases) {
+    std::unique_ptr<IFileHandle> file;
+    EXPECT_EQ(c.expected, volume_->Open(c.path, OpenMode::Read, file)) << ToUtf8(c.path);
+  }
+  std::vector<FileInfo> entries;
+  EXPECT_EQ(ERROR_ACCESS_DENIED, volume_->ListFolder(u"C:\\abs-link", entries));
+  EXPECT_EQ(ERROR_SUCCESS, volume_->ListFolder(u"C:\\users\\INSIDE", entries));
+  ASSERT_EQ(1u, entries.size());
+  EXPECT_EQ(u"Brief.txt.lnk", entries[0].Name);
+}
+
+TEST_F(VolumeTest, LinksAreListedAsReparsePointsAndRemovedThemselves) {
+  std::vector<FileInfo> entries;
+  ASSERT_EQ(0u, volume_->ListFolder(u"C:\\Users", entries));
+  ASSERT_EQ(3u, entries.size());
+  EXPECT_EQ(u"Anna", entries[0].Name);  // ascending by upper-cased name
+  EXPECT_EQ(u"inside", entries[1].Name);
+  EXPECT_TRUE(entries[1].IsReparsePoint());
+  EXPECT_FALSE(entries[0].IsReparsePoint());
+  FileInfo info;
+  ASSERT_EQ(0u, volume_->GetInfo(u"C:\\Users\\Anna\\secret-link.txt", info));
+  EXPECT_TRUE(info.IsReparsePoint());
+  EXPECT_EQ(0u, volume_->RemoveFile(u"C:\\Users\\Anna\\secret-link.txt"));
+  EXPECT_EQ(0u, volume_->RemoveFolder(u"C:\\abs-link"));
+  EXPECT_EQ("keep me", test::ReadBytes(outside_ / "secret.txt"));
+  EXPECT_TRUE(fs::exists(outside_));
+}
+
+TEST_F(VolumeTest, FileOpenForWritingIsInUse) {
+  const String path = u"C:\\Users\\Anna\\Recent\\Brief.txt.lnk";
+  std::unique_ptr<IFileHandle> writer, other;
+  ASSERT_EQ(0u, volume_->Open(path, OpenMode::ReadWrite, writer));
+  EXPECT_EQ(ERROR_SHARING_VIOLATION, volume_->Open(path, OpenMode::Read, other));
+  EXPECT_EQ(ERROR_SHARING_VIOLATION, volume_->RemoveFile(path));
+  EXPECT_EQ(ERROR_SHARING_VIOLATION, volume_->Rename(path, u"C:\\Users\\x.lnk"));
+  writer.reset();
+  EXPECT_EQ(0u, volume_->RemoveFile(path));
+  EXPECT_FALSE(fs::exists(c_ / "Users" / "Anna" / "Recent" / "Brief.txt.lnk"));
+}
+
+TEST_F(VolumeTest, NewFilesAndFoldersKeepTheirCaseInsideExistingOnes) {
+  ASSERT_EQ(0u, volume_->MakeFolder(u"C:\\USERS\\anna\\AppData\\Local\\Temp"));
+  EXPECT_TRUE(fs::is_directory(c_ / "Users" / "Anna" / "AppData" / "Local" / "Temp"));
+  std::unique_ptr<IFileHandle> file;
+  ASSERT_EQ(0u, volume_->Open(u"C:\\users\\ANNA\\AppData\\Local\\Temp\\Neu.tmp",
+                              OpenMode::CreateNew, file));
+  ASSERT_EQ(0u, file->Write(0, "abc", 3));
+  file.reset();
+  EXPECT_EQ("abc", test::ReadBytes(c_ / "Users" / "Anna" / "AppData" / "Local" / "Temp" / "Neu.tmp"));
+  EXPECT_EQ(ERROR_FILE_EXISTS, volume_->Open(u"C:\\Users\\Anna\\AppData\\Local\\Temp\\neu.TMP",
+                                             OpenMode::CreateNew, file));
+  EXPECT_EQ(ERROR_ACCESS_DENIED, volume_->MakeFolder(u"C:\\abs-link\\new"));
+  EXPECT_FALSE(fs::exists(outside_ / "new"));
+}
+
+}  // namespace
+}  // namespace tc
