@@ -49,7 +49,7 @@ IXMLDOMDocument* NewDocument() {
     if (FAILED(CLSIDFromProgID(progId, &clsid))) continue;
     IXMLDOMDocument* doc = nullptr;
     if (SUCCEEDED(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER,
-                                   __uuidof(IXMLDOMDocument), reinterpret_cast<void**>(&doc))) &&
+                                   IID_IXMLDOMDocument, reinterpret_cast<void**>(&doc))) &&
         doc)
       return doc;
   }
@@ -135,7 +135,7 @@ class MsXmlDocument : public IXmlDocument {
   String Attribute(XmlNode node, const String& name) override {
     if (!node) return {};
     IXMLDOMElement* element = nullptr;
-    if (FAILED(AsNode(node)->QueryInterface(__uuidof(IXMLDOMElement),
+    if (FAILED(AsNode(node)->QueryInterface(IID_IXMLDOMElement,
                                             reinterpret_cast<void**>(&element))) ||
         !element)
       return {};

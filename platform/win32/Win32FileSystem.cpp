@@ -119,12 +119,11 @@ uint32_t Win32FileSystem::ListFolder(const String& folder, std::vector<FileInfo>
   HANDLE find = FindFirst(pattern, data);
   if (find == INVALID_HANDLE_VALUE) {
     const DWORD e = GetLastError();
+    // Systems differ in what they answer for a missing folder or a file given as one.
+    const DWORD a = AttributesOf(folder);
+    if (a == INVALID_FILE_ATTRIBUTES || !(a & FILE_ATTRIBUTE_DIRECTORY)) return ERROR_PATH_NOT_FOUND;
     // An empty drive root has no "." entry: nothing found there is an empty folder.
-    if (e == ERROR_FILE_NOT_FOUND || e == ERROR_NO_MORE_FILES) {
-      const DWORD a = AttributesOf(folder);
-      if (a != INVALID_FILE_ATTRIBUTES && (a & FILE_ATTRIBUTE_DIRECTORY)) return ERROR_SUCCESS;
-      return ERROR_PATH_NOT_FOUND;
-    }
+    if (e == ERROR_FILE_NOT_FOUND || e == ERROR_NO_MORE_FILES) return ERROR_SUCCESS;
     return MapNativeError(e);
   }
   do {

@@ -1,0 +1,60 @@
+// The registry service against the live registry.
+#include "LiveFixture.h"
+
+namespace tc {
+namespace {
+
+using RegistryLive = LiveTest;
+
+// Runs a system tool and waits for it; true when it exits with 0.
+bool RunTool(String commandLine) {
+  STARTUPINFOW si{};
+  si.cb = sizeof(si);
+  PROCESS_INFORMATION pi{};
+  if (!CreateProcessW(nullptr, Wide(commandLine), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
+                      nullptr, nullptr, &si, &pi))
+    return false;
+  WaitForSingleObject(pi.hProcess, 60000);
+  DWORD code = 1;
+  GetExitCodeProcess(pi.hProcess, &code);
+  CloseHandle(pi.hThread);
+  CloseHandle(pi.hProcess);
+  return code == 0;
+}
+
+TEST_F(RegistryLive, ValuesWrittenByAnotherProgramAreReadRawAndUnexpanded) {
+  ASSERT_TRUE(RunTool(u"reg.exe add \"HKCU\\" + key_ +
+                  u"\" /v Tool /t REG_EXPAND_SZ /d \"%SystemRoot%\\tool.exe\" /f"));
+  RegValue v;
+  ASSERT_EQ(0u, Reg().QueryValue(kHKEY_CURRENT_USER, key_, u"tool", v, RegView::Default));
+  EXPECT_EQ(uint32_t{REG_EXPAND_SZ}, v.Type);
+  EXPECT_EQ(Utf16Z(u"%SystemRoot%\\tool.exe"), v.Data);
+}
+
+TEST_F(RegistryLive, SubKeysComeInUpperCasedOrder) {
+  // Wine enumerates by lower-cased name, which puts "_x" and "[q" before letters.
+  for (const char16_t* name : {u"b", u"_x", u"A", u"[q", u"a1"})
+    ASSERT_EQ(0u, Reg().CreateKey(kHKEY_CURRENT_USER, key_ + u"\\" + name, RegView::Default));
+  StringList names;
+  ASSERT_EQ(0u, Reg().EnumKeys(kHKEY_CURRENT_USER, key_, names, RegView::Default));
+  EXPECT_EQ((StringList{u"A", u"a1", u"b", u"[q", u"_x"}), names);
+}
+
+TEST_F(RegistryLive, SixtyFourBitViewIsTheProcessView) {
+  SetString(u"v", u"64");
+  RegValue v;
+  EXPECT_EQ(0u, Reg().QueryValue(kHKEY_CURRENT_USER, key_, u"v", v, RegView::Key64));
+  EXPECT_EQ(0u, Reg().KeyExists(kHKEY_LOCAL_MACHINE, u"SOFTWARE\\Microsoft", RegView::Native));
+}
+
+TEST_F(RegistryLive, DeletingATreeRemovesEveryLevel) {
+  ASSERT_EQ(0u, Reg().CreateKey(kHKEY_CURRENT_USER, key_ + u"\\a\\b\\c", RegView::Default));
+  ASSERT_EQ(0u, Reg().CreateKey(kHKEY_CURRENT_USER, key_ + u"\\a\\d", RegView::Default));
+  EXPECT_EQ(0u, Reg().DeleteKeyTree(kHKEY_CURRENT_USER, key_ + u"\\a", RegView::Default));
+  EXPECT_EQ(uint32_t{ERROR_FILE_NOT_FOUND},
+            Reg().KeyExists(kHKEY_CURRENT_USER, key_ + u"\\a", RegView::Default));
+  EXPECT_EQ(0u, Reg().KeyExists(kHKEY_CURRENT_USER, key_, RegView::Default));
+}
+
+}  // namespace
+}  // namespace tc

@@ -1,0 +1,166 @@
+// The smaller services against the live system: XML through MSXML, timers, event logs,
+// recycle bin, shell folders, Protected Storage, URL history, settings and ini files.
+#include "LiveFixture.h"
+#include "platform/RegistryProductSettings.h"
+#include "platform/win32/Win32ProtectedStorage.h"
+
+#include <shellapi.h>
+
+namespace tc {
+namespace {
+
+using ServicesLive = LiveTest;
+
+std::string ReadAll(IFileSystem& fs, const String& path) {
+  std::unique_ptr<IFileHandle> f;
+  if (fs.Open(path, OpenMode::Read, f)) return {};
+  uint64_t size = 0;
+  f->GetSize(size);
+  std::string s(size, '\0');
+  size_t done = 0;
+  f->Read(0, s.data(), s.size(), done);
+  s.resize(done);
+  return s;
+}
+
+TEST_F(ServicesLive, XmlDocumentRemovesOneChildAndKeepsTheRest) {
+  const std::string before =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+      "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\">\r\n"
+      "<!-- kept -->\r\n"
+      "<item oor:path=\"/a\"><node oor:name=\"file:///x\"/></item>\r\n"
+      "<item oor:path=\"/b\"><value>t&amp;u</value></item>\r\n"
+      "</oor:items>\r\n";
+  const String path = WriteFile(u"doc.xcu", before);
+  auto doc = platform_->Xml->Create();
+  ASSERT_TRUE(doc->Load(path));
+  XmlNode root = doc->DocumentElement();
+  EXPECT_EQ(u"oor:items", doc->NodeName(root));
+  ASSERT_EQ(2u, doc->ChildCount(root));  // the comment is no child element
+  XmlNode first = doc->Child(root, 0);
+  EXPECT_EQ(u"/a", doc->Attribute(first, u"oor:path"));
+  EXPECT_EQ(u"", doc->Attribute(first, u"missing"));
+  EXPECT_EQ(u"file:///x", doc->Attribute(doc->Child(first, 0), u"oor:name"));
+  EXPECT_EQ(u"t&u", doc->NodeText(doc->Child(root, 1)));
+  EXPECT_EQ(0u, doc->Child(root, 2));
+
+  doc->RemoveChild(root, 0);
+  ASSERT_TRUE(doc->Save(path));
+  const std::string after = ReadAll(Files(), path);
+  EXPECT_NE(std::string::npos, after.find("<!-- kept -->"));
+  EXPECT_NE(std::string::npos, after.find("<item oor:path=\"/b\"><value>t&amp;u</value></item>"));
+  EXPECT_EQ(std::string::npos, after.find("/a"));
+  EXPECT_FALSE(doc->Load(folder_ + u"\\missing.xml"));
+}
+
+TEST_F(ServicesLive, TimersFireOnlyFromTheMessageLoopOncePerCall) {
+  IUserInterface& ui = *platform_->UI;
+  int fired = 0;
+  const uint32_t id = ui.StartTimer(10, [&] { ++fired; });
+  ASSERT_NE(0u, id);
+  Sleep(60);
+  EXPECT_EQ(0, fired);
+  ui.ProcessMessages();
+  EXPECT_EQ(1, fired);
+  ui.KillTimer(id);
+  Sleep(60);
+  ui.ProcessMessages();
+  EXPECT_EQ(1, fired);
+  ui.KillTimer(12345);  // unknown: nothing happens
+}
+
+TEST_F(ServicesLive, EventLogsStartWithApplicationSecuritySystem) {
+  IEventLogs& logs = *platform_->EventLogs;
+  StringList names;
+  ASSERT_EQ(0u, logs.ListLogs(names));
+  ASSERT_GE(names.size(), 3u);
+  EXPECT_EQ((StringList{u"Application", u"Security", u"System"}),
+            StringList(names.begin(), names.begin() + 3));
+  uint32_t count = 99;
+  EXPECT_EQ(0u, logs.CountRecords(u"Application", count));
+  EXPECT_EQ(uint32_t{ERROR_FILE_NOT_FOUND}, logs.CountRecords(u"NoSuchLog", count));
+  EXPECT_EQ(uint32_t{ERROR_FILE_NOT_FOUND}, logs.ClearLog(u"NoSuchLog"));
+}
+
+TEST_F(ServicesLive, RecycleBinIsCountedAndEmptiedSilently) {
+  const String path = WriteFile(u"binned.txt", "12345");
+  String from = path + u'\0';  // the shell's list ends with a second NUL
+  SHFILEOPSTRUCTW op{};
+  op.wFunc = FO_DELETE;
+  op.pFrom = Wide(from);
+  op.fFlags = FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT | FOF_NOERRORUI;
+  ASSERT_EQ(0, SHFileOperationW(&op));
+  IRecycleBin& bin = *platform_->RecycleBin;
+  uint64_t items = 0, bytes = 0;
+  ASSERT_EQ(0u, bin.Query(items, bytes));
+  if (items == 0) GTEST_SKIP() << "this system deleted the file instead of binning it";
+  EXPECT_GE(bytes, 5u);
+  EXPECT_EQ(0u, bin.Empty());
+  ASSERT_EQ(0u, bin.Query(items, bytes));
+  EXPECT_EQ(0u, items);
+  EXPECT_EQ(0u, bin.Empty());  // an empty bin empties without complaint
+}
+
+TEST_F(ServicesLive, ShellFoldersAreRealFolders) {
+  for (int csidl : {kCSIDL_APPDATA, kCSIDL_LOCAL_APPDATA, kCSIDL_WINDOWS, kCSIDL_PERSONAL}) {
+    String path;
+    ASSERT_EQ(0u, platform_->Shell->GetSpecialFolder(csidl, path)) << csidl;
+    FileInfo info;
+    EXPECT_EQ(0u, Files().GetInfo(path, info)) << ToUtf8(path);
+    EXPECT_TRUE(info.IsDirectory());
+    EXPECT_NE(u'\\', path.back());
+  }
+  platform_->Shell->ChangeNotify(0x08000000 /* SHCNE_ASSOCCHANGED */, 0, u"");
+}
+
+TEST_F(ServicesLive, ProtectedStorageWithoutLibraryOrEntryPointFailsToOpen) {
+  const Guid type{0xe161255a, 0x37c3, 0x11d2, {0xbc, 0xaa, 0x00, 0xc0, 0x4f, 0xd9, 0x29, 0xdb}};
+  StringList names;
+  Win32ProtectedStorage missing(u"tc-no-such-library.dll");
+  EXPECT_EQ(uint32_t{ERROR_MOD_NOT_FOUND}, missing.Open());
+  EXPECT_EQ(uint32_t{ERROR_MOD_NOT_FOUND}, missing.EnumItems(type, type, names));
+  Win32ProtectedStorage noEntry(u"kernel32.dll");
+  EXPECT_EQ(uint32_t{ERROR_PROC_NOT_FOUND}, noEntry.Open());
+  // The system's own store may exist or not; either way it answers without failing hard.
+  IProtectedStorage& store = *platform_->ProtectedStorage;
+  if (store.Open() == ERROR_SUCCESS) store.EnumItems(type, type, names);
+}
+
+TEST_F(ServicesLive, UrlHistoryAnswersOrSaysItHasNone) {
+  std::vector<UrlHistoryEntry> entries;
+  const uint32_t rc = platform_->UrlHistory->Enumerate(entries);
+  EXPECT_TRUE(rc == ERROR_SUCCESS || rc == ERROR_NOT_SUPPORTED) << rc;
+}
+
+TEST_F(ServicesLive, ProductSettingsLiveInTheProductsKey) {
+  IProductSettings& settings = *platform_->ProductSettings;
+  const String host = u"live-" + key_.substr(key_.rfind(u'\\') + 1) + u".test";
+  EXPECT_TRUE(settings.ReadBool(u"Cookies\\IE", host, true));
+  ASSERT_EQ(0u, settings.WriteBool(u"Cookies\\IE", host, false));
+  EXPECT_FALSE(settings.ReadBool(u"Cookies\\IE", host, true));
+  const String key = String(RegistryProductSettings::kDefaultKey) + u"\\Cookies\\IE";
+  RegValue v;
+  EXPECT_EQ(0u, Reg().QueryValue(kHKEY_CURRENT_USER, key, host, v, RegView::Default));
+  Reg().DeleteValue(kHKEY_CURRENT_USER, key, host, RegView::Default);
+}
+
+TEST_F(ServicesLive, IniFilesKeepOtherLines) {
+  const String path = WriteFile(u"app.ini", "; note\r\n[Recent]\r\nFile1=a\r\nFile2=b\r\n[Other]\r\nx=1\r\n");
+  IIniFiles& ini = *platform_->IniFiles;
+  EXPECT_EQ(u"a", ini.ReadString(path, u"recent", u"FILE1", u"-"));
+  EXPECT_EQ(u"-", ini.ReadString(path, u"Recent", u"File9", u"-"));
+  StringList names;
+  ASSERT_EQ(0u, ini.ReadSections(path, names));
+  EXPECT_EQ((StringList{u"Recent", u"Other"}), names);
+  ASSERT_EQ(0u, ini.ReadKeys(path, u"Recent", names));
+  EXPECT_EQ((StringList{u"File1", u"File2"}), names);
+  ASSERT_EQ(0u, ini.DeleteKey(path, u"Recent", u"File1"));
+  ASSERT_EQ(0u, ini.WriteString(path, u"Other", u"y", u"2"));
+  const std::string text = ReadAll(Files(), path);
+  EXPECT_NE(std::string::npos, text.find("; note"));
+  EXPECT_EQ(std::string::npos, text.find("File1"));
+  EXPECT_NE(std::string::npos, text.find("y=2"));
+}
+
+}  // namespace
+}  // namespace tc
