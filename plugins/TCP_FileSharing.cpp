@@ -76,7 +76,7 @@ String FindClientFolder(const String& nameFragment, const String& exe) {
     break;  // the per-user handler hides the machine one, as in the merged view
   }
   StringList products;
-  EnumRegKeysEx(HKEY_LOCAL_MACHINE, kUninstallKey, products, RO_None);
+  EnumRegKeysEx(HKEY_LOCAL_MACHINE, ExcludeTrailingPathDelimiter(kUninstallKey), products, RO_None);
   for (const auto& product : products) {
     if (LowerCase(product).find(nameFragment) == String::npos) continue;
     String location = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kUninstallKey + product,

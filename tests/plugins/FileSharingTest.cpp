@@ -1,0 +1,281 @@
+// File-sharing plug-ins: client discovery, counts, cleaning.
+#include <functional>
+
+#include "AppPluginFixture.h"
+#include "plugins/TCP_FileSharing.h"
+
+namespace tc {
+namespace {
+
+const String kEMule = u"C:\\Program Files\\eMule\\";
+
+class FileSharingTest : public AppPluginFixture {
+ public:
+  void InstallEMule() {
+    File(kEMule + u"emule.exe");
+    Str(HKEY_CURRENT_USER, u"Software\\Classes\\ed2k\\shell\\open\\command", u"",
+        u"\"" + kEMule + u"emule.exe\" \"%1\"");
+  }
+  static Bytes Utf16File(std::u16string_view text) {
+    Bytes b{0xFF, 0xFE};
+    Bytes t = ToUtf16LE(text);
+    b.insert(b.end(), t.begin(), t.end());
+    return b;
+  }
+};
+
+TEST_F(FileSharingTest, CatalogueInStartupOrder) {
+  Start();
+  ExpectCatalogue(
+      {{u"AzureusStatistics", u"Azureus", u"Download- und Upload-Statistik", 8000},
+       {u"EMuleDownloadMRU", u"eMule", u"Liste der zuletzt heruntergeladenen Dateien", 8002},
+       {u"EMuleSearchMRU", u"eMule", u"Liste der zuletzt eingegebenen Suchbegriffe", 8002},
+       {u"EMuleStatistics", u"eMule", u"Download- und Upload-Statistik", 8002},
+       {u"EDonkey2000DownloadMRU", u"eDonkey2000", u"Liste der zuletzt heruntergeladenen Dateien", 8005},
+       {u"KazaaSearchMRU", u"Kazaa", u"Liste der zuletzt eingegebenen Suchbegriffe", 8003},
+       {u"KazaaDownloadDB", u"Kazaa", u"Informationen über heruntergeladene Dateien", 8003},
+       {u"KazaaPlaylists", u"Kazaa", u"Wiedergabelisten", 8003},
+       {u"KazaaLiteDownloadDB", u"Kazaa Lite", u"Informationen über heruntergeladene Dateien", 8003},
+       {u"AresSearchlist", u"Ares", u"Liste der zuletzt verwendeten Suchbegriffe", 8006},
+       {u"BitTorrentHistory", u"BitTorrent++", u"Liste der zuletzt eingegebenen Begriffe", 8001},
+       {u"WinMXLogfiles", u"WinMX", u"Protokoll der durchgeführten Aktionen", 8004},
+       // The two WarezP2P captions stand crossed over on purpose.
+       {u"WarezP2PSearchlist", u"WarezP2P 2", u"Liste der zuletzt heruntergeladenen Dateien", 8007},
+       {u"WarezP2PVerlauf", u"WarezP2P 2", u"Liste der zuletzt eingegebenen Suchbegriffe", 8007}},
+      rsTCPSection_FileSharing);
+  // The units start in their fixed order: Office, players, archivers, file sharing.
+  EXPECT_EQ(OrderOf({u"EMuleDownloadMRU", u"MSOfficeWord", u"WinRARRecentArchives",
+                     u"QuickTimeRecentMovies"}),
+            (StringList{u"MSOfficeWord", u"QuickTimeRecentMovies", u"WinRARRecentArchives",
+                        u"EMuleDownloadMRU"}));
+}
+
+TEST_F(FileSharingTest, AbsentClientsStartInactiveWithoutLocations) {
+  Start();
+  for (const char16_t* id :
+       {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics", u"EDonkey2000DownloadMRU",
+        u"KazaaDownloadDB", u"KazaaPlaylists", u"KazaaLiteDownloadDB", u"BitTorrentHistory",
+        u"WinMXLogfiles", u"WarezP2PSearchlist", u"WarezP2PVerlauf"}) {
+    EXPECT_FALSE(Plugin(id).Active) << ToUtf8(id);
+    EXPECT_EQ(Plugin(id).GetTraceLocationCount(), 0) << ToUtf8(id);
+  }
+  for (const char16_t* id : {u"AzureusStatistics", u"KazaaSearchMRU", u"AresSearchlist"})
+    EXPECT_FALSE(Plugin(id).Active) << ToUtf8(id);
+}
+
+TEST_F(FileSharingTest, ClientFoldersAreFound) {
+  struct Case {
+    const char* what;
+    std::function<void(FileSharingTest&)> seed;
+    String emule, edonkey;
+  } cases[] = {
+      {"quoted per-user link handler", [](FileSharingTest& t) { t.InstallEMule(); }, kEMule, u""},
+      {"unquoted machine link handler",
+       [](FileSharingTest& t) {
+         t.File(kEMule + u"emule.exe");
+         t.Str(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Classes\\ed2k\\shell\\open\\command", u"",
+               kEMule + u"emule.exe \"%1\"");
+       },
+       kEMule, u""},
+      {"handler of another client, uninstall location",
+       [](FileSharingTest& t) {
+         t.File(u"C:\\P2P\\other.exe");
+         t.Str(HKEY_CURRENT_USER, u"Software\\Classes\\ed2k\\shell\\open\\command", u"",
+               u"C:\\P2P\\other.exe \"%1\"");
+         t.File(u"C:\\Apps\\eMule\\emule.exe");
+         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eMule", u"InstallLocation", u"C:\\Apps\\eMule");
+       },
+       u"C:\\Apps\\eMule\\", u""},
+      {"uninstall program only",
+       [](FileSharingTest& t) {
+         t.File(u"C:\\Apps\\eMule\\emule.exe");
+         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eMule Plus", u"UninstallString",
+               u"\"C:\\Apps\\eMule\\Uninstall.exe\"");
+       },
+       u"C:\\Apps\\eMule\\", u""},
+      {"removable drive is not trusted",
+       [](FileSharingTest& t) {
+         t.mem.Files->AddDrive(u'E', kDriveRemovable);
+         t.File(u"E:\\eMule\\emule.exe");
+         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eMule", u"InstallLocation", u"E:\\eMule\\");
+       },
+       u"", u""},
+      {"eDonkey by its uninstall entry",
+       [](FileSharingTest& t) {
+         t.File(u"C:\\eDonkey2000\\edonkey2000.exe");
+         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation",
+               u"C:\\eDonkey2000\\");
+       },
+       u"", u"C:\\eDonkey2000\\"},
+  };
+  for (const auto& c : cases) {
+    Reset();
+    c.seed(*this);
+    Start();
+    EXPECT_EQ(EMuleFolder, c.emule) << c.what;
+    EXPECT_EQ(EDonkeyFolder, c.edonkey) << c.what;
+    EXPECT_EQ(Plugin(u"EMuleStatistics").Active, !c.emule.empty()) << c.what;
+  }
+}
+
+TEST_F(FileSharingTest, KnownMetCountsOnePerQuarterKilobyteAtLeastOne) {
+  const std::pair<int64_t, int> cases[] = {{0, 1}, {249, 1}, {250, 1}, {499, 1}, {500, 2}, {1000, 4}};
+  for (auto [size, count] : cases) EXPECT_EQ(KnownMetTraceCount(size), count) << size;
+}
+
+TEST_F(FileSharingTest, SearchStringsCountNonBlankLines) {
+  auto ansi = [](std::string_view s) { return Bytes(s.begin(), s.end()); };
+  const std::pair<Bytes, int> cases[] = {
+      {ansi(""), 0},
+      {ansi("  \r\n\t\r\n"), 0},
+      {ansi("a\nb\rc\r\nd"), 4},
+      {Utf16File(u"x\r\ny\r\n"), 2},
+      {Utf16File(u"\r\n \r\n"), 0},
+      {ansi("\xEF\xBB\xBF\xC3\xA4\n\n"), 1},
+      {Bytes{0xFF, 0xFE, 'a'}, 0},  // a lone byte after the mark is no character
+  };
+  for (size_t i = 0; i < std::size(cases); ++i)
+    EXPECT_EQ(CountSearchStringLines(cases[i].first), cases[i].second) << "case " << i;
+}
+
+TEST_F(FileSharingTest, EMuleTracesAreCountedAndRemovedLeavingTheRest) {
+  InstallEMule();
+  File(kEMule + u"downloads.txt");
+  File(kEMule + u"downloads.txt.bak");
+  File(kEMule + u"config\\known.met", std::string(600, '\x0e'));
+  ASSERT_EQ(mem.Files->AddFile(kEMule + u"config\\AC_SearchStrings.dat",
+                               Utf16File(u"alpha\r\n\r\n  \r\nbeta\r\n")),
+            ERROR_SUCCESS);
+  File(kEMule + u"config\\statistics.ini");
+  File(kEMule + u"config\\preferences.ini");
+  File(kEMule + u"Incoming\\film.avi");
+  Start();
+
+  EXPECT_EQ(ScanCount(u"EMuleDownloadMRU"), 2 + 2);
+  EXPECT_EQ(ReportedNames(), (StringList{kEMule + u"downloads.txt", kEMule + u"downloads.txt.bak"}));
+  EXPECT_EQ(ScanCount(u"EMuleSearchMRU"), 2);
+  EXPECT_EQ(ScanCount(u"EMuleStatistics"), 1);
+
+  for (const char16_t* id : {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics"}) {
+    CleanAndFix(id);
+    EXPECT_EQ(ScanCount(id), 0) << ToUtf8(id);
+  }
+  EXPECT_EQ(mem.Files->Names(kEMule), (StringList{u"config", u"emule.exe", u"Incoming"}));
+  EXPECT_EQ(mem.Files->Names(kEMule + u"config"), StringList{u"preferences.ini"});
+  EXPECT_TRUE(Exists(kEMule + u"Incoming\\film.avi"));
+}
+
+TEST_F(FileSharingTest, EDonkeyKnownMetAndItsBackup) {
+  const String folder = u"C:\\eDonkey2000\\";
+  File(folder + u"edonkey2000.exe");
+  Str(HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation", folder);
+  File(folder + u"known.met", std::string(100, 'k'));
+  File(folder + u"known.met.bak");
+  Start();
+  EXPECT_EQ(ScanCount(u"EDonkey2000DownloadMRU"), 1 + 1);
+  CleanAndFix(u"EDonkey2000DownloadMRU");
+  EXPECT_EQ(mem.Files->Names(folder), StringList{u"edonkey2000.exe"});
+}
+
+TEST_F(FileSharingTest, KazaaLiteFlagChoosesTheDownloadDatabasePlugin) {
+  const struct {
+    const char16_t* databaseDir;
+    bool kazaa, lite;
+  } cases[] = {{u"C:\\Program Files\\Kazaa\\db", true, false},
+               {u"C:\\Program Files\\Kazaa Lite K++\\DB", false, true},
+               {u"", false, false}};
+  for (const auto& c : cases) {
+    Reset();
+    if (*c.databaseDir) Str(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Kazaa\\LocalContent", u"DatabaseDir", c.databaseDir);
+    Start();
+    EXPECT_EQ(Plugin(u"KazaaDownloadDB").Active, c.kazaa) << ToUtf8(c.databaseDir);
+    EXPECT_EQ(Plugin(u"KazaaDownloadDB").GetTraceLocationCount(), c.kazaa ? 1 : 0);
+    EXPECT_EQ(Plugin(u"KazaaLiteDownloadDB").Active, c.lite) << ToUtf8(c.databaseDir);
+    EXPECT_EQ(Plugin(u"KazaaLiteDownloadDB").GetTraceLocationCount(), c.lite ? 1 : 0);
+  }
+}
+
+TEST_F(FileSharingTest, KazaaTracesAreCleanedAndNothingElse) {
+  const String content = u"SOFTWARE\\Kazaa\\LocalContent";
+  Str(HKEY_LOCAL_MACHINE, content, u"DatabaseDir", u"C:\\Kazaa\\db");
+  Str(HKEY_LOCAL_MACHINE, content, u"DownloadDir", u"C:\\Kazaa\\My Shared Folder");
+  File(u"C:\\Kazaa\\db\\data256.dbb");
+  File(u"C:\\Kazaa\\db\\desktop.ini");
+  File(u"C:\\Kazaa\\My Shared Folder\\mix.kpl");
+  File(u"C:\\Kazaa\\My Shared Folder\\song.mp3");
+  const String search = u"Software\\Kazaa\\Search";
+  Str(HKEY_CURRENT_USER, search, u"1", u"first");
+  Str(HKEY_CURRENT_USER, search, u"2", u"second");
+  Str(HKEY_CURRENT_USER, search, u"3", u"");
+  Str(HKEY_CURRENT_USER, search, u"LastSearch", u"kept");
+  Start();
+
+  EXPECT_TRUE(Plugin(u"KazaaSearchMRU").Active);
+  EXPECT_EQ(ScanCount(u"KazaaSearchMRU"), 2);
+  EXPECT_EQ(ScanCount(u"KazaaDownloadDB"), 1);
+  EXPECT_EQ(ScanCount(u"KazaaPlaylists"), 1);
+
+  auto before = Snapshot();
+  for (const char16_t* id : {u"KazaaSearchMRU", u"KazaaDownloadDB", u"KazaaPlaylists"}) CleanAndFix(id);
+  auto [lost, gained] = Diff(before, Snapshot());
+  EXPECT_EQ(lost, (std::set<String>{u"HKCU\\" + search + u"[1]=first", u"HKCU\\" + search + u"[2]=second",
+                                    u"HKCU\\" + search + u"[3]="}));
+  EXPECT_TRUE(gained.empty());
+  EXPECT_EQ(mem.Files->Names(u"C:\\Kazaa\\db"), StringList{u"desktop.ini"});
+  EXPECT_EQ(mem.Files->Names(u"C:\\Kazaa\\My Shared Folder"), StringList{u"song.mp3"});
+}
+
+TEST_F(FileSharingTest, RegistrySearchListsCountEmptyValues) {
+  // Ares by its key; WarezP2P by its program folder, named by a quoted uninstall command.
+  Str(HKEY_CURRENT_USER, u"Software\\Ares\\Search.History\\gen.gen", u"6D7573696B", u"x");
+  Str(HKEY_CURRENT_USER, u"Software\\Ares\\Search.History\\gen.gen", u"66696C6D", u"");
+  Str(HKEY_CURRENT_USER, u"Software\\Ares", u"Stats.Uploads", u"12");
+  Str(HKEY_LOCAL_MACHINE, kUninstall + u"Warez P2P Client", u"UninstallString",
+      u"\"C:\\Program Files\\Warez\\uninstall.exe\"");
+  File(u"C:\\Program Files\\Warez\\uninstall.exe");
+  Str(HKEY_CURRENT_USER, u"Software\\Warez\\Search.History\\gen.gen", u"a", u"b");
+  File(u"C:\\Program Files\\Warez\\Data\\history.dat");
+  File(u"C:\\Program Files\\Warez\\Data\\shares.txt");
+  Start();
+
+  EXPECT_EQ(ScanCount(u"AresSearchlist"), 2);
+  EXPECT_EQ(ScanCount(u"WarezP2PSearchlist"), 1);
+  EXPECT_EQ(ScanCount(u"WarezP2PVerlauf"), 1);
+  auto before = Snapshot();
+  for (const char16_t* id : {u"AresSearchlist", u"WarezP2PSearchlist", u"WarezP2PVerlauf"}) CleanAndFix(id);
+  auto [lost, gained] = Diff(before, Snapshot());
+  EXPECT_EQ(lost.size(), 3u);
+  for (const auto& l : lost) EXPECT_NE(l.find(u"Search.History\\gen.gen["), String::npos) << ToUtf8(l);
+  EXPECT_TRUE(gained.empty());
+  EXPECT_EQ(mem.Files->Names(u"C:\\Program Files\\Warez\\Data"), StringList{u"shares.txt"});
+}
+
+TEST_F(FileSharingTest, FoldersFromUninstallCommandsAndAzureus) {
+  Str(HKEY_LOCAL_MACHINE, kUninstall + u"WinMX", u"UninstallString",
+      u"C:\\Program Files\\WinMX\\uninst.exe");
+  File(u"C:\\Program Files\\WinMX\\WinMX.exe");
+  File(u"C:\\Program Files\\WinMX\\chat.log");
+  File(u"C:\\Program Files\\WinMX\\transfer.log");
+  Str(HKEY_LOCAL_MACHINE, kUninstall + u"BitTorrent++", u"UninstallString",
+      u"\"C:\\Program Files\\BitTorrent++\\uninst.exe\" /S");
+  File(u"C:\\Program Files\\BitTorrent++\\History\\1.txt");
+  File(u"C:\\Program Files\\BitTorrent++\\History\\2.txt");
+  Str(HKEY_CURRENT_USER, u"Software\\Azureus", u"", u"C:\\Program Files\\Azureus");
+  mem.Files->AddFolder(u"C:\\Program Files\\Azureus");
+  File(kAppData + u"Azureus\\azureus.statistics");
+  File(kAppData + u"Azureus\\azureus.config");
+  Start();
+
+  EXPECT_EQ(ScanCount(u"WinMXLogfiles"), 2);
+  EXPECT_EQ(ScanCount(u"BitTorrentHistory"), 2);
+  EXPECT_TRUE(Plugin(u"AzureusStatistics").Active);
+  EXPECT_EQ(ScanCount(u"AzureusStatistics"), 1);
+  EXPECT_EQ(ReportedNames(), StringList{kAppData + u"Azureus\\azureus.statistics"});
+  for (const char16_t* id : {u"WinMXLogfiles", u"BitTorrentHistory", u"AzureusStatistics"}) CleanAndFix(id);
+  EXPECT_EQ(mem.Files->Names(u"C:\\Program Files\\WinMX"), StringList{u"WinMX.exe"});
+  EXPECT_TRUE(mem.Files->Names(u"C:\\Program Files\\BitTorrent++\\History").empty());
+  EXPECT_EQ(mem.Files->Names(kAppData + u"Azureus"), StringList{u"azureus.config"});
+}
+
+}  // namespace
+}  // namespace tc
