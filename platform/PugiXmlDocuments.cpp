@@ -9,8 +9,9 @@ namespace tc {
 
 namespace {
 
-// Everything kept: no line-end or attribute white-space conversion, white-space text kept.
-constexpr unsigned kParseOptions = (pugi::parse_full | pugi::parse_ws_pcdata) &
+// Everything kept: no line-end or attribute white-space conversion, white-space text kept,
+// also between the top-level nodes (which only fragment mode stores).
+constexpr unsigned kParseOptions = (pugi::parse_full | pugi::parse_ws_pcdata | pugi::parse_fragment) &
                                    ~(pugi::parse_eol | pugi::parse_wconv_attribute);
 
 bool IsBlankText(const pugi::xml_node& n) {
@@ -19,6 +20,19 @@ bool IsBlankText(const pugi::xml_node& n) {
     if (*p != ' ' && *p != '\t' && *p != '\r' && *p != '\n') return false;
   }
   return true;
+}
+
+// Fragment mode accepts any top level; a document has one element and only white space
+// besides its declaration, comments and processing instructions.
+bool WellFormedTop(const pugi::xml_document& doc) {
+  int elements = 0;
+  for (pugi::xml_node c = doc.first_child(); c; c = c.next_sibling()) {
+    if (c.type() == pugi::node_element) ++elements;
+    if ((c.type() == pugi::node_pcdata && !IsBlankText(c)) || c.type() == pugi::node_cdata) {
+      return false;
+    }
+  }
+  return elements == 1;
 }
 
 pugi::xml_node NodeOf(XmlNode handle) {
@@ -67,7 +81,7 @@ class PugiXmlDocument : public IXmlDocument {
     Bytes raw;
     if (FileContents::Read(*files_, path, raw) != ERROR_SUCCESS) return false;
     pugi::xml_parse_result result = doc_.load_buffer(raw.data(), raw.size(), kParseOptions);
-    if (!result) {
+    if (!result || !WellFormedTop(doc_)) {
       doc_.reset();
       return false;
     }
