@@ -1,0 +1,182 @@
+// System stores: recycle bin, paging files, event logs.
+#include "WindowsFixture.h"
+#include "plugins/TCP_Windows.h"
+
+namespace tc {
+namespace {
+
+const String kSid = u"S-1-5-21-1004336348-1177238915-682003330-1001";
+const String kBin = u"C:\\$Recycle.Bin\\" + kSid + u"\\";
+const String kMemMgmt =
+    u"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Memory Management";
+
+class WindowsTest : public WindowsFixture {
+ protected:
+  StringList PendingDeletes() {
+    StringList paths;
+    mem.RebootDeleter->Pending(paths);
+    return paths;
+  }
+};
+
+// Stands for a bin whose count does not fit 32 bits.
+class HugeRecycleBin : public IRecycleBin {
+ public:
+  uint32_t Query(uint64_t& items, uint64_t& bytes) override {
+    items = (uint64_t{1} << 32) + 5;
+    bytes = 1;
+    return ERROR_SUCCESS;
+  }
+  uint32_t Empty() override {
+    ++emptied;
+    return ERROR_SUCCESS;
+  }
+  int emptied = 0;
+};
+
+TEST_F(WindowsTest, CatalogueAndStartupOrderOfTheWindowsUnits) {
+  StartPackage();
+  ExpectCatalogue({{u"RecycleBin", u"Papierkorb", u"Elemente im Papierkorb", 4000},
+                   {u"PagingFile", u"Auslagerungsdateien", u"Inhalt der Auslagerungsdateien", 4001},
+                   {u"WindowsEventApps", u"Windows Ereignisanzeige",
+                    u"Liste der Anwendungsereignisse", 4002},
+                   // The program's own grammar.
+                   {u"WindowsEventSecurity", u"Windows Ereignisanzeige",
+                    u"Liste der Sicherheitsrelevante Ereignisse", 4002},
+                   {u"WindowsEventSystem", u"Windows Ereignisanzeige",
+                    u"Liste der Systemereignisse", 4002}},
+                  rsTCPSection_Windows);
+  EXPECT_EQ(OrderOf({u"WordPad", u"RecentApps", u"WindowsEventSystem", u"ComDlgOpenSave",
+                     u"RecycleBin", u"MovieMakerMRU"}),
+            (StringList{u"RecycleBin", u"WindowsEventSystem", u"ComDlgOpenSave", u"RecentApps",
+                        u"WordPad", u"MovieMakerMRU"}));
+  for (const char16_t* id : {u"RecycleBin", u"PagingFile", u"WindowsEventApps",
+                             u"WindowsEventSecurity", u"WindowsEventSystem"}) {
+    EXPECT_EQ(Plugin(id).GetTraceLocationCount(), 0) << ToUtf8(id);
+    EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
+  }
+  EXPECT_TRUE(Plugin(u"RecycleBin").DeactivateIfAbsent);
+  EXPECT_TRUE(Plugin(u"PagingFile").DeactivateIfAbsent);
+  EXPECT_FALSE(Plugin(u"WindowsEventSecurity").DeactivateIfAbsent);
+}
+
+TEST_F(WindowsTest, RecycleBinCountsItemsAndEmptiesTheBins) {
+  File(kBin + u"$RAB12CD.doc", "Kontoauszug");
+  File(kBin + u"$IAB12CD.doc", "index");
+  File(kBin + u"$R9XY000\\a.txt", "a");
+  File(kBin + u"$R9XY000\\b.txt", "b");
+  File(kBin + u"$I9XY000", "index");
+  File(u"C:\\Users\\Tester\\Documents\\bleibt.doc");
+  StartPackage();
+  EXPECT_EQ(Scan(u"RecycleBin"), 2);  // a folder is one item
+  EXPECT_TRUE(found.empty());
+  CleanAndFix(u"RecycleBin");
+  EXPECT_EQ(mem.Files->Names(kBin), (StringList{u"desktop.ini"}));
+  EXPECT_TRUE(Exists(u"C:\\Users\\Tester\\Documents\\bleibt.doc"));
+  EXPECT_EQ(Scan(u"RecycleBin"), 0);
+  EXPECT_TRUE(Plugin(u"RecycleBin").Active);  // no locations: never switched off
+}
+
+TEST_F(WindowsTest, RecycleBinEmptiedWhateverTheCount) {
+  StartPackage();
+  auto bin = std::make_shared<HugeRecycleBin>();
+  mem.Platform->RecycleBin = bin;
+  CleanAndFix(u"RecycleBin");  // never scanned: the count is 0
+  EXPECT_EQ(bin->emptied, 1);
+  EXPECT_EQ(Scan(u"RecycleBin"), 5);  // the low 32 bits of the item count
+}
+
+TEST_F(WindowsTest, PagingFilesCountedByPathAndOnlyScheduled) {
+  struct Case {
+    StringList lines;
+    StringList files;  // that exist
+    int count;
+  } cases[] = {
+      {{u"C:\\pagefile.sys 1024 2048", u"D:\\pagefile.sys 0 0"}, {u"C:\\pagefile.sys"}, 1},
+      {{u"?:\\pagefile.sys"}, {}, 0},  // the system-managed default
+      {{u"C:\\pagefile.sys", u"C:\\swap\\extra.sys 16 16"},
+       {u"C:\\pagefile.sys", u"C:\\swap\\extra.sys"}, 2},
+      {{}, {}, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.count);
+    Reset();
+    mem.Registry->PutMultiString(HKEY_LOCAL_MACHINE, kMemMgmt, u"PagingFiles", c.lines);
+    for (const auto& f : c.files) File(f, "seiten");
+    StartPackage();
+    EXPECT_EQ(Scan(u"PagingFile"), c.count);
+    auto before = Snapshot();
+    CleanAndFix(u"PagingFile");
+    EXPECT_EQ(Plugin(u"PagingFile").RebootRequired, c.count > 0);
+    EXPECT_EQ(PendingDeletes(), c.files);
+    for (const auto& f : c.files) EXPECT_TRUE(Exists(f)) << ToUtf8(f);
+    // Nothing in the hives changes but the pending operations.
+    auto [lost, gained] = Diff(before, Snapshot());
+    for (const auto& line : lost) ADD_FAILURE() << "lost " << ToUtf8(line);
+    for (const auto& line : gained)
+      EXPECT_NE(line.find(u"[PendingFileRenameOperations]"), String::npos) << ToUtf8(line);
+  }
+}
+
+TEST_F(WindowsTest, PagingFilesMissingValueMeansNone) {
+  mem.Registry->DeleteValue(HKEY_LOCAL_MACHINE, kMemMgmt, u"PagingFiles", RegView::Default);
+  File(u"C:\\pagefile.sys");
+  StartPackage();
+  EXPECT_EQ(Scan(u"PagingFile"), 0);
+  CleanAndFix(u"PagingFile");
+  EXPECT_FALSE(Plugin(u"PagingFile").RebootRequired);
+  EXPECT_TRUE(PendingDeletes().empty());
+}
+
+// Logs are chosen by their position in the list, not by name.
+TEST_F(WindowsTest, EventLogsByPosition) {
+  struct Case {
+    std::vector<std::pair<String, uint32_t>> logs;  // in list order
+    int apps, security, system;
+    std::vector<uint32_t> afterClean;
+  } cases[] = {
+      {{{u"Application", 12}, {u"Security", 3}, {u"System", 40}, {u"Setup", 2}},
+       12, 3, 40, {0, 0, 0, 2}},
+      {{{u"Application", 12}, {u"Security", 3}}, 12, 3, 0, {0, 0}},
+      {{{u"Application", 12}}, 12, 0, 0, {0}},
+      // Without a security log the second position is the system log.
+      {{{u"Application", 1}, {u"System", 7}}, 1, 7, 0, {0, 0}},
+  };
+  const char16_t* ids[] = {u"WindowsEventApps", u"WindowsEventSecurity", u"WindowsEventSystem"};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.logs.size());
+    Reset();
+    for (const char16_t* name : {u"Application", u"Security", u"System"})
+      mem.EventLogs->RemoveLog(name);
+    for (const auto& [name, records] : c.logs) mem.EventLogs->SetLog(name, records);
+    StartPackage();
+    EXPECT_EQ(Scan(ids[0]), c.apps);
+    EXPECT_EQ(Scan(ids[1]), c.security);
+    EXPECT_EQ(Scan(ids[2]), c.system);
+    for (const char16_t* id : ids) CleanAndFix(id);
+    std::vector<uint32_t> after;
+    for (const auto& [name, records] : c.logs) after.push_back(mem.EventLogs->Records(name));
+    EXPECT_EQ(after, c.afterClean);
+  }
+}
+
+TEST_F(WindowsTest, EventLogFailuresStayInside) {
+  mem.EventLogs->SetLog(u"Security", 9);
+  mem.EventLogs->SetLog(u"System", 4);
+  mem.EventLogs->SetAccessError(u"Security");
+  StartPackage();
+  EXPECT_EQ(Scan(u"WindowsEventSecurity"), 0);
+  CleanAndFix(u"WindowsEventSecurity");
+  EXPECT_EQ(mem.EventLogs->Records(u"Security"), 9u);
+  EXPECT_TRUE(Plugin(u"WindowsEventSecurity").Active);
+
+  // An image without event logs: nothing counted, nothing cleaned.
+  mem.EventLogs->SetUnavailable();
+  EXPECT_EQ(Scan(u"WindowsEventSystem"), 0);
+  CleanAndFix(u"WindowsEventSystem");
+  mem.EventLogs->SetUnavailable(0);
+  EXPECT_EQ(mem.EventLogs->Records(u"System"), 4u);
+}
+
+}  // namespace
+}  // namespace tc

@@ -1,0 +1,170 @@
+// Accessory recent lists: WordPad, Paint, Registry Editor, Remote Desktop, Movie Maker.
+#include <functional>
+
+#include "WindowsFixture.h"
+#include "plugins/TCP_WindowsTools.h"
+
+namespace tc {
+namespace {
+
+const String kApplets = u"Software\\Microsoft\\Windows\\CurrentVersion\\Applets\\";
+const String kWordPad = kApplets + u"Wordpad\\Recent File List";
+const String kPaint = kApplets + u"Paint\\Recent File List";
+const String kRegedit = kApplets + u"Regedit";
+const String kTermSrv = u"Software\\Microsoft\\Terminal Server Client\\Default";
+const String kMovieMaker = u"Software\\Microsoft\\MM20\\Recent Document List";
+
+class WindowsToolsTest : public WindowsFixture {};
+
+TEST_F(WindowsToolsTest, CatalogueInStartupOrder) {
+  StartPackage();
+  ExpectCatalogue(
+      {{u"WordPad", u"Microsoft WordPad", u"Liste der zuletzt verwendeten Dokumente", 6000},
+       {u"MSPaint", u"Microsoft Paint", u"Liste der zuletzt verwendeten Grafiken", 6001},
+       {u"Regedit", u"Registrierungs-Editor", u"Zuletzt geöffneter Schlüssel", 6002},
+       {u"TermSrvClient", u"Remotedesktopverbindung", u"Liste der zuletzt verbundenen Computer",
+        6003},
+       {u"MovieMakerMRU", u"Windows Movie Maker", u"Liste der zuletzt geöffneten Projekte",
+        6004}},
+      rsTCPSection_WindowsTools);
+  // The Movie Maker text ends without a full stop.
+  const String& mm = Plugin(u"MovieMakerMRU").Description;
+  EXPECT_EQ(mm.substr(mm.size() - 21), u"Movie Maker Projekten");
+}
+
+TEST_F(WindowsToolsTest, TracesFoundReportedAndCleaned) {
+  struct Case {
+    const char16_t* id;
+    String key;
+    std::vector<std::pair<String, String>> values;  // seeded in this order
+    int count;
+    StringList reported;
+    TTraceTargetType target;
+    TTraceFlags flags;
+    StringList left;  // value names the clean leaves in the key
+  } cases[] = {
+      {u"WordPad", kWordPad,
+       {{u"File1", u"C:\\Briefe\\bank.rtf"}, {u"File2", u"  "}, {u"File3", u"C:\\x.rtf"},
+        {u"Files", u"kein Eintrag"}},
+       2, {u"File1", u"File3"}, TTT_FileName, 6, {u"Files"}},
+      {u"MSPaint", kPaint, {{u"File1", u"C:\\Bilder\\urlaub.bmp"}, {u"file12", u"C:\\y.png"}},
+       2, {u"File1", u"file12"}, TTT_FileName, 6, {}},
+      // The one value goes; the key and its other settings stay.
+      {u"Regedit", kRegedit,
+       {{u"LastKey", u"Arbeitsplatz\\HKEY_LOCAL_MACHINE\\SOFTWARE\\Bank"}, {u"View", u"1"}},
+       1, {}, TTT_Unknown, 0, {u"View"}},
+      {u"TermSrvClient", kTermSrv,
+       {{u"MRU0", u"buero.example.com"}, {u"MRU1", u"10.0.0.2"}, {u"MRUX", u"bleibt"}},
+       2, {u"MRU0", u"MRU1"}, TTT_Unknown, 0, {u"MRUX"}},
+      {u"MovieMakerMRU", kMovieMaker, {{u"Document1", u"C:\\Filme\\urlaub.MSWMM"}},
+       1, {u"Document1"}, TTT_Unknown, 0, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(ToUtf8(c.id));
+    Reset();
+    for (const auto& [name, data] : c.values) Str(HKEY_CURRENT_USER, c.key, name, data);
+    Str(HKEY_CURRENT_USER, kApplets + u"Wordpad\\Options", u"Wrap", u"1");
+    StartPackage();
+    EXPECT_EQ(Scan(c.id), c.count);
+    EXPECT_EQ(FoundNames(), c.reported);
+    for (const auto& f : found) {
+      EXPECT_EQ(f.Target, c.target);
+      EXPECT_EQ(f.Flags, c.flags);
+      EXPECT_EQ(f.Key, c.key);
+    }
+    auto before = Snapshot();
+    CleanAndFix(c.id);
+    EXPECT_EQ(Names(c.key), c.left);
+    // Only values of the list's own key went.
+    auto [lost, gained] = Diff(before, Snapshot());
+    EXPECT_TRUE(gained.empty());
+    for (const auto& line : lost) EXPECT_EQ(line.rfind(u"HKCU\\" + c.key + u"[", 0), 0u) << ToUtf8(line);
+  }
+}
+
+// The host removed one entry; Fix closes the gap only where the list is flagged for it.
+TEST_F(WindowsToolsTest, FixRenumbersOnlyTheFlaggedLists) {
+  struct Case {
+    const char16_t* id;
+    String key;
+    String prefix;
+    StringList after;
+  } cases[] = {
+      {u"WordPad", kWordPad, u"File", {u"File1", u"File2"}},
+      {u"MSPaint", kPaint, u"File", {u"File1", u"File2"}},
+      {u"TermSrvClient", kTermSrv, u"MRU", {u"MRU2", u"MRU3"}},
+      {u"MovieMakerMRU", kMovieMaker, u"Document", {u"Document2", u"Document3"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(ToUtf8(c.id));
+    Reset();
+    for (const char16_t* n : {u"1", u"2", u"3"}) Str(HKEY_CURRENT_USER, c.key, c.prefix + n, n);
+    StartPackage();
+    DeleteRegValue(HKEY_CURRENT_USER, c.key, c.prefix + u"1", RO_None);
+    Plugin(c.id).Fix();
+    EXPECT_EQ(Names(c.key), c.after);
+  }
+  EXPECT_EQ(mem.Registry->GetString(HKEY_CURRENT_USER, kMovieMaker, u"Document2"), u"2");
+}
+
+TEST_F(WindowsToolsTest, RegeditValueIsOverwrittenBeforeItGoes) {
+  Str(HKEY_CURRENT_USER, kRegedit, u"LastKey", u"HKCU\\Bank");
+  StartPackage();
+  mem.Registry->RecordWrites(true);
+  CleanAndFix(u"Regedit");
+  const auto& writes = mem.Registry->Writes();
+  ASSERT_EQ(writes.size(), 11u);
+  EXPECT_EQ(RegValueToText(writes[0].Value), u"000000000");  // one "0" per character
+  EXPECT_EQ(writes[10].What, RegWrite::Kind::DeleteValue);
+  EXPECT_TRUE(mem.Registry->HasKey(HKEY_CURRENT_USER, kRegedit));
+}
+
+TEST_F(WindowsToolsTest, NothingPresentKeepsEveryPluginActive) {
+  StartPackage();
+  for (const char16_t* id :
+       {u"WordPad", u"MSPaint", u"Regedit", u"TermSrvClient", u"MovieMakerMRU"}) {
+    EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
+    EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
+  }
+}
+
+// A registry that answers "no such key" for one root itself and notes what was asked.
+class RootlessRegistry : public FaultyRegistry {
+ public:
+  RootlessRegistry(std::shared_ptr<IRegistry> inner, HKEY missing)
+      : FaultyRegistry(std::move(inner)), missing_(missing) {}
+  uint32_t KeyExists(HKEY root, const String& key, RegView view) override {
+    asked.push_back(key);
+    if (root == missing_ && key.empty()) return ERROR_FILE_NOT_FOUND;
+    return FaultyRegistry::KeyExists(root, key, view);
+  }
+  StringList asked;
+
+ private:
+  HKEY missing_;
+};
+
+// Movie Maker's start-up test asks about HKEY_CURRENT_USER itself, not its own list key:
+// the answer for the root decides, whether or not the list exists.
+TEST_F(WindowsToolsTest, MovieMakerActiveFollowsTheRootNotItsKey) {
+  struct Case {
+    bool listPresent;
+    bool rootAnswers;
+    bool active;
+  } cases[] = {{false, true, true}, {true, false, false}, {true, true, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.listPresent) + "/" + std::to_string(c.rootAnswers));
+    Reset();
+    if (c.listPresent) Str(HKEY_CURRENT_USER, kMovieMaker, u"Document1", u"x");
+    auto reg = std::make_shared<RootlessRegistry>(mem.Registry,
+                                                  c.rootAnswers ? HKEY_USERS : HKEY_CURRENT_USER);
+    mem.Platform->Registry = reg;
+    StartPackage();
+    EXPECT_EQ(Plugin(u"MovieMakerMRU").Active, c.active);
+    EXPECT_NE(std::find(reg->asked.begin(), reg->asked.end(), u""), reg->asked.end());
+    EXPECT_EQ(std::find(reg->asked.begin(), reg->asked.end(), kMovieMaker), reg->asked.end());
+  }
+}
+
+}  // namespace
+}  // namespace tc
