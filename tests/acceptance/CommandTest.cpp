@@ -1,0 +1,268 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+
+#include "OfflineTestSupport.h"
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace tc {
+namespace {
+
+using test::TempDir;
+
+constexpr char kUserReg[] = R"(Windows Registry Editor Version 5.00
+
+[HKEY_CURRENT_USER\Console]
+"QuickEdit"=dword:00000001
+
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Applets\Wordpad\Recent File List]
+"File1"="C:\\Users\\Anna\\Documents\\Geheim.rtf"
+"File2"="  "
+"File4"="C:\\Users\\Anna\\Documents\\Brief.rtf"
+
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Applets\Wordpad\Options]
+"PageSize"=dword:00000001
+
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Applets\Paint\Recent File List]
+"File1"="C:\\Bilder\\Ausweis.png"
+"File3"="C:\\Bilder\\Urlaub.jpg"
+
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\RunMRU]
+"a"="cmd\\1"
+"b"="\\\\server\\share\\1"
+"MRUList"="ba"
+)";
+
+std::string Quote(const std::string& s) { return "'" + s + "'"; }
+
+// Runs tracecleaner with the given arguments; stdin is never a terminal here.
+int Tracecleaner(const std::string& args, std::string& out) {
+  return test::Run(std::string(TC_TRACECLEANER) + " " + args + " </dev/null", &out);
+}
+
+json RunJson(const std::string& args, int expectedCode = 0) {
+  std::string out;
+  int code = test::Run(std::string(TC_TRACECLEANER) + " --json " + args + " </dev/null 2>/dev/null",
+                       &out);
+  EXPECT_EQ(expectedCode, code) << args << "\n" << out;
+  json doc = json::parse(out, nullptr, false);
+  EXPECT_FALSE(doc.is_discarded()) << out;
+  return doc;
+}
+
+const json& PluginOf(const json& doc, const std::string& id) {
+  static const json none;
+  for (const auto& p : doc["plugins"])
+    if (p["id"] == id) return p;
+  ADD_FAILURE() << "no plug-in " << id;
+  return none;
+}
+
+// An image made by tc_mkimage from the .reg text and a small profile tree.
+void MakeImage(const fs::path& image, const std::string& reg) {
+  TempDir source;
+  fs::create_directories(source.Path() / "tree" / "Users" / "Anna" / "Documents");
+  test::WriteBytes(source.Path() / "tree" / "Users" / "Anna" / "Documents" / "Brief.rtf", "x");
+  test::WriteBytes(source.Path() / "registry" / "user.reg", reg);
+  std::string out;
+  ASSERT_EQ(0, test::Run(std::string(TC_MKIMAGE) + " " + Quote(source.Str()) + " " +
+                             Quote(image.string()), &out)) << out;
+}
+
+// Every line of reglookup's listing (path, type, value), without the header.
+std::set<std::string> Listing(const fs::path& hive) {
+  std::string out;
+  EXPECT_EQ(0, test::Run("reglookup -H " + Quote(hive.string()), &out)) << out;
+  std::set<std::string> lines;
+  std::istringstream in(out);
+  for (std::string line; std::getline(in, line);) lines.insert(line);
+  return lines;
+}
+
+TEST(CommandTest, ScanAndCleanAGeneratedImage) {
+  TempDir dir;
+  fs::path image = dir.Path() / "image";
+  MakeImage(image, kUserReg);
+  fs::path ntuser = image / "Users" / "Anna" / "NTUSER.DAT";
+
+  json scan = RunJson("scan --traces --image " + Quote(image.string()));
+  EXPECT_EQ(2, PluginOf(scan, "WordPad")["traceCount"]);  // the blank "File2" is no trace
+  EXPECT_EQ(2, PluginOf(scan, "MSPaint")["traceCount"]);
+  EXPECT_EQ(2, PluginOf(scan, "StartMenuRun")["traceCount"]);
+  const json& runTraces = PluginOf(scan, "StartMenuRun")["traces"];
+  ASSERT_EQ(2u, runTraces.size());
+  EXPECT_EQ("cmd\\1", runTraces[0]["data"]);
+  EXPECT_EQ("registry-value", runTraces[0]["source"]);
+
+  // Only WordPad and RunMRU: Paint keeps its list, renumbered by nobody.
+  json clean = RunJson("clean --image " + Quote(image.string()) +
+                       " --plugins WordPad,StartMenuRun --yes");
+  EXPECT_EQ(2, PluginOf(clean, "WordPad")["traceCount"]);
+  EXPECT_EQ(0, PluginOf(clean, "WordPad")["remaining"]);
+  EXPECT_EQ(0, PluginOf(clean, "StartMenuRun")["remaining"]);
+  EXPECT_FALSE(PluginOf(clean, "MSPaint")["active"]);
+  EXPECT_EQ(false, clean["rebootRequired"]);
+  EXPECT_TRUE(clean["notCleaned"].is_array());
+
+  if (!test::HaveTool("reglookup")) GTEST_SKIP() << "reglookup is not installed";
+  std::set<std::string> after = Listing(ntuser);
+  const std::string wordpad =
+      "/Software/Microsoft/Windows/CurrentVersion/Applets/Wordpad/Recent File List";
+  const std::string paint =
+      "/Software/Microsoft/Windows/CurrentVersion/Applets/Paint/Recent File List";
+  for (const std::string& kept :
+       {std::string("/Console/QuickEdit,DWORD,0x00000001,"),
+        std::string("/Software/Microsoft/Windows/CurrentVersion/Applets/Wordpad/Options/"
+                    "PageSize,DWORD,0x00000001,"),
+        paint + "/File1,SZ,C:\\Bilder\\Ausweis.png,", paint + "/File3,SZ,C:\\Bilder\\Urlaub.jpg,",
+        std::string("/Software/Microsoft/Windows/CurrentVersion/Explorer/RunMRU/MRUList,SZ,,")})
+    EXPECT_EQ(1u, after.count(kept)) << kept;
+  for (const auto& line : after) {
+    EXPECT_EQ(std::string::npos, line.find(wordpad + "/File")) << line;
+    EXPECT_EQ(std::string::npos, line.find("server")) << line;
+  }
+  std::string out;
+  EXPECT_EQ(0, test::Run("reglookup-recover " + Quote(ntuser.string()), &out));
+  EXPECT_EQ(std::string::npos, out.find("Geheim")) << out;
+  EXPECT_EQ(0, test::Run("printf 'cd Console\\nlsval\\n' | hivexsh " + Quote(ntuser.string()), &out));
+  EXPECT_NE(std::string::npos, out.find("\"QuickEdit\"=dword:00000001")) << out;
+}
+
+TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
+  if (!test::HaveTool("reglookup")) GTEST_SKIP() << "reglookup is not installed";
+  TempDir dir;
+  fs::path image = dir.Path() / "image";
+  fs::path ntuser = image / "Users" / "Greendale" / "NTUSER.DAT";
+  test::CopyRealHive("NTUSER-win10.DAT", ntuser);
+  const std::set<std::string> before = Listing(ntuser);
+
+  json scan = RunJson("scan --traces --image " + Quote(image.string()));
+  EXPECT_EQ(6, PluginOf(scan, "RecentDocs")["traceCount"]);  // three items, and by extension
+  EXPECT_EQ(0, PluginOf(scan, "StartMenuRun")["traceCount"]);  // present but empty
+  EXPECT_TRUE(PluginOf(scan, "StartMenuRun")["active"]);
+  EXPECT_FALSE(PluginOf(scan, "QuickTimeRecentMovies")["active"]) << "absent: switched off";
+  EXPECT_TRUE(PluginOf(scan, "WordPad")["active"]) << "part of Windows: stays on";
+  int total = 0;
+  std::set<std::string> cleanedIds;
+  for (const auto& p : scan["plugins"]) {
+    total += p["traceCount"].get<int>();
+    if (p["traceCount"].get<int>() > 0) cleanedIds.insert(p["id"]);
+  }
+  ASSERT_GT(total, 3);
+
+  json clean = RunJson("clean --yes --image " + Quote(image.string()));
+  for (const auto& p : clean["plugins"]) {
+    if (cleanedIds.count(p["id"]) == 0) continue;
+    EXPECT_TRUE(p["cleaned"]) << p["id"];
+    EXPECT_EQ(0, p["remaining"]) << p["id"];
+  }
+
+  // Every line of the listing that was not one of the traces is still there.
+  const std::set<std::string> after = Listing(ntuser);
+  const std::string explorer = "/Software/Microsoft/Windows/CurrentVersion/Explorer/";
+  auto isTrace = [&](const std::string& line) {
+    for (const char* key : {"RecentDocs", "ComDlg32/OpenSavePidlMRU", "ComDlg32/LastVisitedPidlMRU",
+                            "UserAssist/", "RunMRU"})
+      if (line.rfind(explorer + key, 0) == 0) return true;
+    return false;
+  };
+  size_t kept = 0;
+  for (const auto& line : before) {
+    if (isTrace(line)) continue;
+    EXPECT_EQ(1u, after.count(line)) << "lost: " << line;
+    ++kept;
+  }
+  EXPECT_GT(kept, 1500u);
+  for (const auto& line : after) EXPECT_TRUE(before.count(line) || isTrace(line)) << "new: " << line;
+  std::string out;
+  EXPECT_EQ(0, test::Run("printf 'cd Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\"
+                         "Explorer\\\\RecentDocs\\nlsval\\nls\\n' | hivexsh " +
+                             Quote(ntuser.string()), &out));
+  EXPECT_EQ("", out);
+  EXPECT_EQ(0, Tracecleaner("scan --image " + Quote(image.string()), out));
+  EXPECT_NE(std::string::npos, out.find("Found 0 traces.")) << out;
+}
+
+TEST(CommandTest, RefusedHivesExitWithCode2AndStayAsTheyWere) {
+  struct Case {
+    const char* name;
+    std::string (*make)();
+    const char* reason;
+  };
+  const Case cases[] = {
+      {"truncated", [] {
+         return test::ReadBytes(fs::path(TC_REALWORLD_DIR) / "hives/NTUSER-win10.DAT")
+             .substr(0, 300000);
+       }, "truncated"},
+      {"Windows 9x", [] {
+         return test::ReadBytes(fs::path(TC_REALWORLD_DIR) / "hives/USER-win9x.DAT");
+       }, "Windows 95/98/Me"},
+      {"logs pending", [] {
+         std::string b = test::ReadBytes(fs::path(TC_REALWORLD_DIR) / "hives/NTUSER-win10.DAT");
+         b[4] = char(b[4] + 1);  // primary sequence number ahead of the secondary
+         return b;
+       }, "unapplied transaction logs"},
+  };
+  for (const auto& c : cases) {
+    TempDir dir;
+    fs::path ntuser = dir.Path() / "Users" / "Anna" / "NTUSER.DAT";
+    test::WriteBytes(ntuser, c.make());
+    const std::string before = test::ReadBytes(ntuser);
+    for (const char* command : {"scan", "clean --yes"}) {
+      std::string out;
+      EXPECT_EQ(2, Tracecleaner(std::string(command) + " --image " + Quote(dir.Str()), out))
+          << c.name;
+      EXPECT_NE(std::string::npos, out.find(ntuser.string())) << c.name << ": " << out;
+      EXPECT_NE(std::string::npos, out.find(c.reason)) << c.name << ": " << out;
+    }
+    EXPECT_EQ(before, test::ReadBytes(ntuser)) << c.name;
+  }
+}
+
+TEST(CommandTest, UsageErrorsExitWithCode1) {
+  TempDir dir;
+  MakeImage(dir.Path() / "image", kUserReg);
+  const std::string image = " --image " + Quote((dir.Path() / "image").string());
+  struct Case {
+    std::string args;
+    const char* message;
+  };
+  const Case cases[] = {
+      {"scan --plugins WordPad,NoSuchPlugin" + image, "NoSuchPlugin"},
+      {"sweep" + image, "sweep"},
+      {"", "a command is needed"},
+      {"scan --passes 3" + image, "--passes"},
+      {"scan --drive D" + image, "LETTER=DIR"},
+  };
+  for (const auto& c : cases) {
+    std::string out;
+    EXPECT_EQ(1, Tracecleaner(c.args, out)) << c.args;
+    EXPECT_NE(std::string::npos, out.find(c.message)) << c.args << ": " << out;
+    EXPECT_NE(std::string::npos, out.find("Usage:")) << c.args;
+  }
+  // Options may come before the subcommand as well as after it.
+  json doc = RunJson("--plugins WordPad" + image + " scan");
+  EXPECT_EQ(2, PluginOf(doc, "WordPad")["traceCount"]);
+  EXPECT_FALSE(PluginOf(doc, "MSPaint")["active"]);
+}
+
+TEST(CommandTest, WithoutImageItWorksOnAFreshCopyOfTheDemoImage) {
+  const fs::path demo = TC_DEMO_IMAGE_DIR;
+  const std::string before = test::ReadBytes(demo / "Users" / "Demo" / "NTUSER.DAT");
+  std::string out;
+  ASSERT_EQ(0, Tracecleaner("clean --yes", out)) << out;
+  EXPECT_NE(std::string::npos, out.find("fresh copy of the demo image")) << out;
+  EXPECT_NE(std::string::npos, out.find("Traces before: ")) << out;
+  EXPECT_EQ(before, test::ReadBytes(demo / "Users" / "Demo" / "NTUSER.DAT"));
+  size_t at = out.find(" in ");
+  std::string copy = out.substr(at + 4, out.find(" (user") - at - 4);
+  std::error_code ec;
+  fs::remove_all(copy, ec);  // the copy the command made for this run
+}
+
+}  // namespace
+}  // namespace tc
