@@ -6,6 +6,7 @@
 #include "EngineFixture.h"
 #include "platform/Orviregistry.h"
 #include "platform/Shell.h"
+#include "platform/Stringhelper.h"
 
 namespace tc {
 namespace {

@@ -92,11 +92,11 @@ TEST_F(HostComponentTest, DeclarativePackageScansCleansAndFixes) {
   SetString(runMru, u"MRUList", u"ba");
   WriteFile(u"C:\\Temp\\Logs\\x.log", "log");
 
-  auto* wp = new TestPlugin(u"TTCPWordPad");
+  auto* wp = new TestPlugin(u"TTCPTestWordPad");
   wp->AddTraceLocation(TLT_Registry_NumberedNames,
                        new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, wordpad, u"File", 0),
                        TTT_FileName, 6);
-  auto* run = new TestPlugin(u"TTCPRunMRU");
+  auto* run = new TestPlugin(u"TTCPTestRunMRU");
   run->AddTraceLocation(TLT_Registry_MRUList, new TLD_Registry_MRUList(HKEY_CURRENT_USER, runMru, 0),
                         TTT_RunCMD, 6);
   auto* logs = new TestPlugin(u"TTCPLogs");
@@ -110,7 +110,7 @@ TEST_F(HostComponentTest, DeclarativePackageScansCleansAndFixes) {
   std::vector<FoundTrace> found;
   mru.SetOnScanTraceFound(Recorder(found));
   SetAllPluginStatus(false);
-  for (const char16_t* id : {u"WordPad", u"RunMRU", u"Logs", u"Absent"}) SetPluginStatus(id, true, -1);
+  for (const char16_t* id : {u"TestWordPad", u"TestRunMRU", u"Logs", u"Absent"}) SetPluginStatus(id, true, -1);
   mru.Scan();
   EXPECT_EQ(wp->TraceCount, 2);
   EXPECT_EQ(run->TraceCount, 2);
