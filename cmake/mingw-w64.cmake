@@ -18,12 +18,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 
 # Every test and discovery run goes through Wine in the build tree's own prefix and with a
-# home of its own, so nothing the tests delete (recycle bin, profile folders) is the user's;
+# home of its own, so nothing the tests delete (recycle bin, profile folders) is the user's.
 # tools/wine-tests.sh makes that prefix fresh before a run.
-find_program(TC_WINE NAMES wine REQUIRED)
-set(TC_WINE_HOME ${CMAKE_BINARY_DIR}/wine-home)
-file(MAKE_DIRECTORY ${TC_WINE_HOME})
-set(CMAKE_CROSSCOMPILING_EMULATOR
-    env HOME=${TC_WINE_HOME} XDG_DATA_HOME=${TC_WINE_HOME}/.local/share
-    WINEPREFIX=${CMAKE_BINARY_DIR}/wineprefix WINEDEBUG=-all
-    "WINEDLLOVERRIDES=mscoree,mshtml=" ${TC_WINE})
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run.sh ${CMAKE_BINARY_DIR})
