@@ -72,8 +72,9 @@ int main(int argc, char** argv) {
   if (!FindProfile(out, profile, vista))
     return Fail("the tree needs exactly one user profile under Users or Documents and Settings");
   fs::path windows = out / (vista ? "Windows" : "WINDOWS");
-  fs::path classes = vista ? profile / "AppData/Local/Microsoft/Windows/UsrClass.dat"
-                           : profile / "Local Settings/Application Data/Microsoft/Windows/UsrClass.dat";
+  fs::path classes =
+      vista ? profile / "AppData/Local/Microsoft/Windows/UsrClass.dat"
+            : profile / "Local Settings/Application Data/Microsoft/Windows/UsrClass.dat";
   for (const fs::path& hive : {profile / "NTUSER.DAT", classes,
                                windows / "System32/config/SOFTWARE",
                                windows / "System32/config/SYSTEM"}) {

@@ -40,7 +40,7 @@ std::string Listed(const std::vector<std::pair<String, String>>& profiles) {
 bool LoadHive(const DriveMap& drives, const String& path, std::shared_ptr<Hive>& hive,
               std::string& hostPath, std::string& error) {
   hive.reset();
-  if (drives.Resolve(path, LastLink::Follow, false, hostPath) != ERROR_SUCCESS) {
+  if (drives.Resolve(path, LastLink::Refuse, false, hostPath) != ERROR_SUCCESS) {
     hostPath = ToUtf8(path);
     return true;
   }
@@ -114,7 +114,7 @@ std::unique_ptr<OfflineImage> OfflineImage::Open(const OfflineOptions& options,
   profile.WindowsDir = u"C:\\Windows";
   for (const char16_t* dir : {u"C:\\Windows", u"C:\\WINNT"}) {
     std::string host;
-    if (IsFolder(volume, dir) && drives.Resolve(dir, LastLink::Follow, false, host) == 0) {
+    if (IsFolder(volume, dir) && drives.Resolve(dir, LastLink::Refuse, false, host) == 0) {
       profile.WindowsDir = drives.ToWindows(host);
       break;
     }

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +18,38 @@ namespace tc {
 namespace {
 
 constexpr int64_t kUnixEpochAsFileTime = 116444736000000000LL;
+// Hidden and system have no POSIX bit: ntfs-3g shows a volume's real attributes in the
+// first attribute; on other file systems this backend keeps them in the second.
+constexpr char kNtfsAttributes[] = "system.ntfs_attrib";
+constexpr char kOwnAttributes[] = "user.tc.attributes";
+constexpr uint32_t kExtraAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+
+bool ReadAttributeWord(const std::string& host, const char* name, uint32_t& value) {
+  uint8_t b[4];
+  if (lgetxattr(host.c_str(), name, b, sizeof b) != sizeof b) return false;
+  value = uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
+  return true;
+}
+
+uint32_t ExtraAttributes(const std::string& host) {
+  uint32_t value = 0;
+  if (!ReadAttributeWord(host, kNtfsAttributes, value))
+    ReadAttributeWord(host, kOwnAttributes, value);
+  return value & kExtraAttributes;
+}
+
+void WriteExtraAttributes(const std::string& host, uint32_t attributes) {
+  uint32_t word = 0;
+  const char* name =
+      ReadAttributeWord(host, kNtfsAttributes, word) ? kNtfsAttributes : kOwnAttributes;
+  word = (word & ~kExtraAttributes) | (attributes & kExtraAttributes);
+  uint8_t b[4] = {uint8_t(word), uint8_t(word >> 8), uint8_t(word >> 16), uint8_t(word >> 24)};
+  if (name == kOwnAttributes && word == 0) {
+    lremovexattr(host.c_str(), name);  // nothing to keep
+    return;
+  }
+  lsetxattr(host.c_str(), name, b, sizeof b, 0);  // a file system without them keeps none
+}
 
 FileInfo InfoFromStat(const std::string& name, const struct stat& st, const std::string& host) {
   FileInfo info;
@@ -33,6 +66,7 @@ FileInfo InfoFromStat(const std::string& name, const struct stat& st, const std:
     info.Size = uint64_t(st.st_size);
   }
   if ((st.st_mode & S_IWUSR) == 0) info.Attributes |= FILE_ATTRIBUTE_READONLY;
+  if (!S_ISLNK(st.st_mode)) info.Attributes |= ExtraAttributes(host);
   info.LastWriteTime =
       kUnixEpochAsFileTime + int64_t(st.st_mtim.tv_sec) * 10000000 + st.st_mtim.tv_nsec / 100;
   return info;
@@ -51,7 +85,7 @@ bool InUse(const std::string& host, bool exclusive) {
 
 class FileHandle : public IFileHandle {
  public:
-  explicit FileHandle(int fd) : fd_(fd) {}
+  FileHandle(int fd, bool writable) : fd_(fd), writable_(writable) {}
   ~FileHandle() override { close(fd_); }
   uint32_t Read(uint64_t offset, void* buffer, size_t size, size_t& done) override {
     done = 0;
@@ -65,6 +99,7 @@ class FileHandle : public IFileHandle {
     return ERROR_SUCCESS;
   }
   uint32_t Write(uint64_t offset, const void* data, size_t size) override {
+    if (!writable_) return ERROR_ACCESS_DENIED;
     size_t done = 0;
     while (done < size) {
       ssize_t n = pwrite(fd_, static_cast<const char*>(data) + done, size - done,
@@ -78,6 +113,7 @@ class FileHandle : public IFileHandle {
   }
   uint32_t Flush() override { return fsync(fd_) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno); }
   uint32_t SetSize(uint64_t size) override {
+    if (!writable_) return ERROR_ACCESS_DENIED;
     return ftruncate(fd_, off_t(size)) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno);
   }
   uint32_t GetSize(uint64_t& size) override {
@@ -89,6 +125,7 @@ class FileHandle : public IFileHandle {
 
  private:
   int fd_;
+  bool writable_;
 };
 
 }  // namespace
@@ -96,7 +133,7 @@ class FileHandle : public IFileHandle {
 uint32_t OfflineVolume::ListFolder(const String& folder, std::vector<FileInfo>& entries) {
   entries.clear();
   std::string host;
-  uint32_t rc = drives_.Resolve(folder, LastLink::Follow, false, host);
+  uint32_t rc = drives_.Resolve(folder, LastLink::Refuse, false, host);
   if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
   DIR* dir = opendir(host.c_str());
   if (!dir) return errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND;
@@ -133,7 +170,7 @@ uint32_t OfflineVolume::Open(const String& path, OpenMode mode,
   file.reset();
   bool creating = mode == OpenMode::CreateAlways || mode == OpenMode::CreateNew;
   std::string host;
-  uint32_t rc = drives_.Resolve(path, LastLink::Follow, creating, host);
+  uint32_t rc = drives_.Resolve(path, LastLink::Refuse, creating, host);
   if (rc != ERROR_SUCCESS) return rc;
   struct stat st {};
   bool exists = lstat(host.c_str(), &st) == 0;
@@ -161,7 +198,7 @@ uint32_t OfflineVolume::Open(const String& path, OpenMode mode,
     close(fd);
     return WinErrorFromErrno(err);
   }
-  file = std::make_unique<FileHandle>(fd);
+  file = std::make_unique<FileHandle>(fd, mode != OpenMode::Read);
   return ERROR_SUCCESS;
 }
 
@@ -189,7 +226,7 @@ uint32_t OfflineVolume::MakeFolder(const String& path) {
     if (end > pos) {
       String partial = path.substr(0, end);
       std::string host;
-      uint32_t rc = drives_.Resolve(partial, LastLink::Follow, true, host);
+      uint32_t rc = drives_.Resolve(partial, LastLink::Refuse, true, host);
       if (rc != ERROR_SUCCESS) return rc;
       struct stat st {};
       if (stat(host.c_str(), &st) != 0) {
@@ -221,6 +258,11 @@ uint32_t OfflineVolume::Rename(const String& from, const String& to) {
   if (rc != ERROR_SUCCESS) return rc;
   rc = drives_.Resolve(to, LastLink::NoFollow, true, hostTo);
   if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
+  if (hostTo == hostFrom) {
+    // Only the case changes: the new name is the one given, not the entry it matched.
+    size_t cut = to.find_last_of(u"\\/");
+    hostTo = hostTo.substr(0, hostTo.rfind('/') + 1) + ToUtf8(to.substr(cut + 1));
+  }
   struct stat st {};
   if (lstat(hostFrom.c_str(), &st) == 0 && S_ISREG(st.st_mode) && InUse(hostFrom, true))
     return ERROR_SHARING_VIOLATION;
@@ -239,10 +281,11 @@ uint32_t OfflineVolume::SetAttributes(const String& path, uint32_t attributes) {
   struct stat st {};
   if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
   if (S_ISLNK(st.st_mode)) return ERROR_SUCCESS;  // links carry no attributes of their own
-  // Only the read-only flag has a POSIX counterpart.
   mode_t mode = st.st_mode & 07777;
   mode = (attributes & FILE_ATTRIBUTE_READONLY) ? (mode & ~mode_t(0222)) : (mode | S_IWUSR);
-  return chmod(host.c_str(), mode) == 0 ? ERROR_SUCCESS : WinErrorFromErrno(errno);
+  if (chmod(host.c_str(), mode) != 0) return WinErrorFromErrno(errno);
+  WriteExtraAttributes(host, attributes);
+  return ERROR_SUCCESS;
 }
 
 uint32_t OfflineVolume::DriveType(const String& path) {

@@ -9,8 +9,8 @@ namespace tc {
 
 // Files in use are emulated with advisory locks (flock): a file another handle has open
 // for writing cannot be opened, removed or renamed (ERROR_SHARING_VIOLATION), as on
-// Windows without share flags. Links inside the image are followed only to reach a
-// folder; a link's own removal removes the link.
+// Windows without share flags. Symbolic links are listed as reparse points and never
+// entered; removing one removes the link.
 class OfflineVolume : public IFileSystem {
  public:
   explicit OfflineVolume(DriveMap drives) : drives_(std::move(drives)) {}

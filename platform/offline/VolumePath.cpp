@@ -15,8 +15,6 @@ namespace tc {
 
 namespace {
 
-constexpr int kMaxLinks = 40;  // as the kernel's own limit for nested links
-
 std::string Join(const std::string& root, const std::vector<std::string>& parts) {
   std::string out = root;
   for (const auto& p : parts) out += "/" + p;
@@ -46,19 +44,14 @@ bool FindEntry(const std::string& folder, const std::string& name, std::string& 
   return true;
 }
 
-void SplitInto(const std::string& s, char sep, std::deque<std::string>& out, bool front) {
-  std::vector<std::string> parts;
+void SplitInto(const std::string& s, char sep, std::deque<std::string>& out) {
   size_t start = 0;
   while (start <= s.size()) {
     size_t end = s.find(sep, start);
     if (end == std::string::npos) end = s.size();
-    if (end > start) parts.push_back(s.substr(start, end - start));
+    if (end > start) out.push_back(s.substr(start, end - start));
     start = end + 1;
   }
-  if (front)
-    out.insert(out.begin(), parts.begin(), parts.end());
-  else
-    out.insert(out.end(), parts.begin(), parts.end());
 }
 
 }  // namespace
@@ -89,23 +82,16 @@ uint32_t DriveMap::Resolve(const String& path, LastLink last, bool allowMissingL
   std::string rest = ToUtf8(path.substr(2));
   for (char& c : rest)
     if (c == '\\') c = '/';
-  // Components still to walk; only those that came from link targets may hold "..".
   std::deque<std::string> pending;
-  SplitInto(rest, '/', pending, false);
+  SplitInto(rest, '/', pending);
   for (const auto& p : pending)
     if (p == "..") return ERROR_INVALID_NAME;
   std::vector<std::string> done;
-  int links = 0;
   while (!pending.empty()) {
     std::string part = pending.front();
     pending.pop_front();
     bool isLast = pending.empty();
     if (part == ".") continue;
-    if (part == "..") {
-      if (done.empty()) return ERROR_ACCESS_DENIED;  // a link climbing out of the drive
-      done.pop_back();
-      continue;
-    }
     std::string folder = Join(root, done);
     std::string found;
     struct stat st {};
@@ -116,16 +102,9 @@ uint32_t DriveMap::Resolve(const String& path, LastLink last, bool allowMissingL
       }
       return isLast ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
     }
-    if (S_ISLNK(st.st_mode) && (!isLast || last == LastLink::Follow)) {
-      if (++links > kMaxLinks) return ERROR_CANT_RESOLVE_FILENAME;
-      char target[PATH_MAX];
-      ssize_t n = readlink((folder + "/" + found).c_str(), target, sizeof target - 1);
-      if (n <= 0) return ERROR_ACCESS_DENIED;
-      target[n] = 0;
-      if (target[0] == '/') return ERROR_ACCESS_DENIED;  // would leave the image
-      SplitInto(target, '/', pending, true);
-      continue;
-    }
+    // Links are never entered: what lies behind one may be outside the image, and a trace
+    // location must not reach through one even inside it.
+    if (S_ISLNK(st.st_mode) && (!isLast || last == LastLink::Refuse)) return ERROR_ACCESS_DENIED;
     if (!isLast && !S_ISDIR(st.st_mode)) return ERROR_PATH_NOT_FOUND;
     done.push_back(found);
   }

@@ -1,5 +1,6 @@
 // Windows paths on folders of the host: drive letters map to folders, components resolve
-// case-insensitively, and no resolved path leaves its drive's folder.
+// case-insensitively, and no resolved path leaves its drive's folder: ".." is refused and
+// symbolic links are never entered.
 #pragma once
 #include <map>
 #include <string>
@@ -9,8 +10,8 @@
 namespace tc {
 
 enum class LastLink : uint8_t {
-  Follow,     // a link as last component is resolved (inside the drive only)
-  NoFollow,   // the link itself is meant
+  Refuse,    // a link as last component is refused like one inside the path
+  NoFollow,  // the link itself is meant
 };
 
 class DriveMap {
@@ -26,8 +27,7 @@ class DriveMap {
   // Resolves `path` ("C:\dir\name") to a host path. With `allowMissingLast` a missing last
   // component keeps the given name (for creating it). Errors: ERROR_PATH_NOT_FOUND for an
   // unmapped drive or missing folder, ERROR_FILE_NOT_FOUND for a missing last component,
-  // ERROR_INVALID_NAME for "..", ERROR_ACCESS_DENIED for a link that is absolute or
-  // leads out of the drive.
+  // ERROR_INVALID_NAME for "..", ERROR_ACCESS_DENIED for a path through a link.
   uint32_t Resolve(const String& path, LastLink last, bool allowMissingLast,
                    std::string& host) const;
   // The Windows path of a host path inside a mapped drive ("" if it is in none).

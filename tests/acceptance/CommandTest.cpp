@@ -128,7 +128,8 @@ TEST(CommandTest, ScanAndCleanAGeneratedImage) {
   std::string out;
   EXPECT_EQ(0, test::Run("reglookup-recover " + Quote(ntuser.string()), &out));
   EXPECT_EQ(std::string::npos, out.find("Geheim")) << out;
-  EXPECT_EQ(0, test::Run("printf 'cd Console\\nlsval\\n' | hivexsh " + Quote(ntuser.string()), &out));
+  EXPECT_EQ(0,
+            test::Run("printf 'cd Console\\nlsval\\n' | hivexsh " + Quote(ntuser.string()), &out));
   EXPECT_NE(std::string::npos, out.find("\"QuickEdit\"=dword:00000001")) << out;
 }
 
@@ -177,7 +178,8 @@ TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
     ++kept;
   }
   EXPECT_GT(kept, 1500u);
-  for (const auto& line : after) EXPECT_TRUE(before.count(line) || isTrace(line)) << "new: " << line;
+  for (const auto& line : after)
+    EXPECT_TRUE(before.count(line) || isTrace(line)) << "new: " << line;
   std::string out;
   EXPECT_EQ(0, test::Run("printf 'cd Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\"
                          "Explorer\\\\RecentDocs\\nlsval\\nls\\n' | hivexsh " +

@@ -112,7 +112,8 @@ TEST(OfflineImageTest, MissingMachineHiveIsAnEmptyBranchWithAWarning) {
   EXPECT_TRUE(names.empty());
   EXPECT_EQ(ERROR_FILE_NOT_FOUND, reg.KeyExists(kHKEY_LOCAL_MACHINE, u"SOFTWARE\\Microsoft",
                                                 RegView::Default));
-  EXPECT_EQ(ERROR_ACCESS_DENIED, reg.CreateKey(kHKEY_LOCAL_MACHINE, u"SYSTEM\\x", RegView::Default));
+  EXPECT_EQ(ERROR_ACCESS_DENIED,
+            reg.CreateKey(kHKEY_LOCAL_MACHINE, u"SYSTEM\\x", RegView::Default));
   auto platform = image->MakePlatform();
   StringList pending;
   EXPECT_NE(0u, platform->RebootDeleter->Schedule(u"C:\\x.tmp"));

@@ -1,0 +1,101 @@
+// The contract suite on an offline image: a fresh folder with a profile and empty hives per
+// test; files in use are held with the same advisory locks the backend honours.
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+
+#include "ContractSuite.h"
+#include "platform/offline/HiveFormat.h"
+#include "platform/offline/OfflineImage.h"
+#include "platform/offline/RegFileImport.h"
+
+namespace tc::contract {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Images made by this process, removed when it ends; held files by platform.
+struct OfflineState {
+  std::vector<fs::path> images;
+  std::map<const Platform*, std::vector<int>> held;
+  ~OfflineState() {
+    for (auto& [p, fds] : held)
+      for (int fd : fds) close(fd);
+    std::error_code ec;
+    for (const auto& dir : images) fs::remove_all(dir, ec);
+  }
+};
+
+OfflineState& State() {
+  static OfflineState state;
+  return state;
+}
+
+std::shared_ptr<OfflineVolume> VolumeOf(Platform& p) {
+  return std::dynamic_pointer_cast<OfflineVolume>(p.Files);
+}
+
+struct OfflineTraits {
+  static std::shared_ptr<Platform> Make() {
+    std::string tmpl = (fs::temp_directory_path() / "tc-contract-XXXXXX").string();
+    if (!mkdtemp(tmpl.data())) return nullptr;
+    fs::path dir = tmpl;
+    State().images.push_back(dir);
+    fs::create_directories(dir / "Users" / "Contract");
+    fs::create_directories(dir / "Windows" / "System32" / "config");
+    WriteEmptyHive((dir / "Users" / "Contract" / "NTUSER.DAT").string(), "ROOT");
+    WriteEmptyHive((dir / "Windows" / "System32" / "config" / "SOFTWARE").string(), "ROOT");
+    WriteEmptyHive((dir / "Windows" / "System32" / "config" / "SYSTEM").string(), "ROOT");
+    std::string error;
+    std::shared_ptr<OfflineImage> image = OfflineImage::Open({dir.string(), {}, ""}, error);
+    if (!image) return nullptr;
+    ImportRegFile(*image->Registry(),
+                  "Windows Registry Editor Version 5.00\n"
+                  "[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\n\"Current\"=dword:00000001\n"
+                  "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\Session Manager]\n",
+                  error);
+    auto platform = image->MakePlatform();
+    // The platform's services hold the registry and volume; the image itself may go.
+    return platform;
+  }
+  static String FolderBase() { return u"C:\\ContractTests"; }
+  static String KeyBase() { return u"Software\\TraceCleanerContract"; }
+  static bool LockFile(Platform& p, const String& path, uint32_t) {
+    std::string host;
+    if (VolumeOf(p)->Drives().Resolve(path, LastLink::NoFollow, false, host) != 0) return false;
+    int fd = open(host.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+      close(fd);
+      return false;
+    }
+    State().held[&p].push_back(fd);
+    return true;
+  }
+  static void UnlockAll(Platform& p) {
+    for (int fd : State().held[&p]) close(fd);
+    State().held.erase(&p);
+  }
+  static bool MakeFolderLink(Platform& p, const String& link, const String& target) {
+    std::string hostLink, hostTarget;
+    const DriveMap& drives = VolumeOf(p)->Drives();
+    if (drives.Resolve(link, LastLink::NoFollow, true, hostLink) != 0 ||
+        drives.Resolve(target, LastLink::NoFollow, false, hostTarget) != 0)
+      return false;
+    std::error_code ec;
+    fs::create_directory_symlink(fs::path(hostTarget).lexically_relative(
+                                     fs::path(hostLink).parent_path()),
+                                 hostLink, ec);
+    return !ec;
+  }
+};
+
+}  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Offline, ContractTest, OfflineTraits);
+
+}  // namespace tc::contract
