@@ -138,6 +138,8 @@ ExitCode RunCommand(const Options& options, Session& session, RunReport& report,
                     TOrviShredderClass::MethodFromName(FromUtf8(options.Method), method);
   ProgressBar bar(progress);
   int done = 0;
+  auto ui = Services().UI;  // Ctrl+C reaches the engine whenever it lets messages run
+  Services().UI = std::make_shared<HookedUI>(ui, nullptr);
   for (TTCPlugin* p : chosen) {
     if (InterruptRequested()) StopWorking = true;
     if (StopWorking) break;
@@ -150,6 +152,7 @@ ExitCode RunCommand(const Options& options, Session& session, RunReport& report,
     recordOf[p]->Cleaned = true;
   }
   bar.Done();
+  Services().UI = ui;
   mru.Fix();
   if (!session.Flush(error)) return kExitCannotOpen;
   for (size_t i = scanFailures; i < mru.Failures.size(); ++i)
