@@ -225,11 +225,13 @@ TEST_F(WindowsExplorerTest, FixRepairsOrderOnlyWhereFlagged) {
   }
 }
 
-TEST_F(WindowsExplorerTest, NothingPresentKeepsEveryPluginActive) {
+// The lists belong to the system: absent, they stay switched on.
+TEST_F(WindowsExplorerTest, NothingPresentKeepsEveryListPluginActive) {
   StartPackage();
   for (const char16_t* id :
        {u"ComDlgOpenSave", u"ComDlgLastVisited", u"StartMenuRun", u"RecentDocs", u"SearchFiles",
-        u"SearchText", u"NetworkDrives", u"RecentApps"}) {
+        u"SearchText", u"NetworkDrives", u"RecentApps", u"WordPad", u"MSPaint", u"Regedit",
+        u"TermSrvClient", u"MovieMakerMRU"}) {
     EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
     EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
   }

@@ -107,27 +107,6 @@ TEST_F(WindowsToolsTest, FixRenumbersOnlyTheFlaggedLists) {
   EXPECT_EQ(mem.Registry->GetString(HKEY_CURRENT_USER, kMovieMaker, u"Document2"), u"2");
 }
 
-TEST_F(WindowsToolsTest, RegeditValueIsOverwrittenBeforeItGoes) {
-  Str(HKEY_CURRENT_USER, kRegedit, u"LastKey", u"HKCU\\Bank");
-  StartPackage();
-  mem.Registry->RecordWrites(true);
-  CleanAndFix(u"Regedit");
-  const auto& writes = mem.Registry->Writes();
-  ASSERT_EQ(writes.size(), 11u);
-  EXPECT_EQ(RegValueToText(writes[0].Value), u"000000000");  // one "0" per character
-  EXPECT_EQ(writes[10].What, RegWrite::Kind::DeleteValue);
-  EXPECT_TRUE(mem.Registry->HasKey(HKEY_CURRENT_USER, kRegedit));
-}
-
-TEST_F(WindowsToolsTest, NothingPresentKeepsEveryPluginActive) {
-  StartPackage();
-  for (const char16_t* id :
-       {u"WordPad", u"MSPaint", u"Regedit", u"TermSrvClient", u"MovieMakerMRU"}) {
-    EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
-    EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
-  }
-}
-
 // A registry that answers "no such key" for one root itself and notes what was asked.
 class RootlessRegistry : public FaultyRegistry {
  public:
