@@ -16,5 +16,7 @@ struct TUnitInfo {
 };
 // The units in start-up order (units whose plug-ins are not built yet have no routines).
 const std::vector<TUnitInfo>& PackageUnits();
+// The package's unit table, as the host framework's package convention asks for it.
+inline const std::vector<TUnitInfo>& GetPackageInfoTable() { return PackageUnits(); }
 
 }  // namespace tc
