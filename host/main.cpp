@@ -6,9 +6,15 @@
 #include "host/Report.h"
 #include "host/Runner.h"
 #include "host/Session.h"
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 int main(int argc, char** argv) {
   using namespace tc::host;
+#ifdef _WIN32
+  SetConsoleOutputCP(CP_UTF8);  // the reports are UTF-8, like every text this command prints
+#endif
   Options options;
   std::string message;
   switch (ParseOptions(argc, argv, options, message)) {
