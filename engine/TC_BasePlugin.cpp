@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "engine/TC_Common.h"
+#include "platform/Orvihelper.h"
 #include "platform/Stringhelper.h"
 #include "platform/TextCodec.h"
 
@@ -21,6 +22,15 @@ TTCPlugin::TTCPlugin(const String& className)
 
 TTCPlugin::~TTCPlugin() {
   if (Plugins) Plugins->Remove(this);
+}
+
+void TTCPlugin::Describe(const String& SectionText, const String& App, int IconId,
+                         const String& CaptionText, const String& DescriptionText) {
+  Section = SectionText;
+  AppCaption = App;
+  IconFile = FileNameByID(IconId, 27);
+  Caption = CaptionText;
+  Description = DescriptionText;
 }
 
 void TTCPlugin::AddTraceLocation(TTraceLocationType LocationType, TLD_Base* Data,

@@ -237,6 +237,9 @@ class TTCPlugin {
   virtual void Fix();
   virtual void PrepareToClean(const String& /*Folder*/) {}
 
+  // The recipe's text steps in their order: section, application, icon, caption, description.
+  void Describe(const String& Section, const String& App, int IconId, const String& Caption,
+                const String& Description);
   // Takes ownership of `Data`.
   void AddTraceLocation(TTraceLocationType LocationType, TLD_Base* Data,
                         TTraceTargetType TargetType, TTraceFlags Flags);
@@ -314,6 +317,13 @@ class TPluginGroupList {
  private:
   std::vector<TPluginList*> Items_;
 };
+
+// Frees a unit-level plug-in and clears its variable.
+template <class T>
+void FreeAndNil(T*& Object) {
+  delete Object;
+  Object = nullptr;
+}
 
 // Every plug-in object that exists, in creation order (null outside Initialize/Finalize).
 extern TPluginList* Plugins;

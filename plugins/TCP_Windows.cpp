@@ -16,13 +16,9 @@ const String kMemoryManagementKey =
     u"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Memory Management";
 
 // Steps shared by every constructor of the unit, in the plug-in recipe's order.
-void Describe(TTCPlugin& p, const String& app, int icon, const String& caption,
+void SetTexts(TTCPlugin& p, const String& app, int icon, const String& caption,
               const String& description) {
-  p.Section = rsTCPSection_Windows;
-  p.AppCaption = app;
-  p.IconFile = FileNameByID(icon, 27);
-  p.Caption = caption;
-  p.Description = description;
+  p.Describe(rsTCPSection_Windows, app, icon, caption, description);
 }
 
 // Opens the log at `position` of the component's list; false when the list is shorter.
@@ -46,12 +42,6 @@ void CleanEventLog(int position) {
   if (OpenLogAt(log, position)) log.Clear();
 }
 
-template <class T>
-void FreeAndNil(T*& p) {
-  delete p;
-  p = nullptr;
-}
-
 TTCPRecycleBin* TCPRecycleBin = nullptr;
 TTCPPagingFile* TCPPagingFile = nullptr;
 TTCPWindowsEventApps* TCPWindowsEventApps = nullptr;
@@ -61,7 +51,7 @@ TTCPWindowsEventSystem* TCPWindowsEventSystem = nullptr;
 }  // namespace
 
 TTCPRecycleBin::TTCPRecycleBin() : TTCPlugin(u"TTCPRecycleBin") {
-  Describe(*this, u"Papierkorb", 4000, u"Elemente im Papierkorb",
+  SetTexts(*this, u"Papierkorb", 4000, u"Elemente im Papierkorb",
            u"Wenn Sie Dateien löschen, werden diese normalerweise nicht endgültig entfernt, "
            u"sondern zuerst in den Windows-Papierkorb verschoben. Solange der Papierkorb nicht "
            u"geleert wird, lassen sich diese Dateien jederzeit wiederherstellen und können so "
@@ -84,7 +74,7 @@ void TTCPRecycleBin::Clean() {
 }
 
 TTCPPagingFile::TTCPPagingFile() : TTCPlugin(u"TTCPPagingFile") {
-  Describe(*this, u"Auslagerungsdateien", 4001, u"Inhalt der Auslagerungsdateien",
+  SetTexts(*this, u"Auslagerungsdateien", 4001, u"Inhalt der Auslagerungsdateien",
            u"Windows schreibt Daten in Auslagerungsdateien, wenn der Arbeitsspeicher Ihres "
            u"Computers nicht mehr für alle laufenden Anwendungen ausreicht. Diese Dateien können "
            u"Teile von Dokumenten, Kennwörtern und anderen vertraulichen Informationen enthalten, "
@@ -126,7 +116,7 @@ void TTCPPagingFile::Clean() {
 }
 
 TTCPWindowsEventApps::TTCPWindowsEventApps() : TTCPlugin(u"TTCPWindowsEventApps") {
-  Describe(*this, rsApp_EventViewer, 4002, u"Liste der Anwendungsereignisse",
+  SetTexts(*this, rsApp_EventViewer, 4002, u"Liste der Anwendungsereignisse",
            u"Windows protokolliert in einem Ereignisprotokoll, wann Anwendungen gestartet oder "
            u"beendet wurden, wann eine Anwendung einen Fehler verursacht hat u.v.m. Anhand "
            u"dieses Protokolls lässt sich nachvollziehen, mit welchen Anwendungen Sie wann "
@@ -146,7 +136,7 @@ void TTCPWindowsEventApps::Clean() {
 }
 
 TTCPWindowsEventSecurity::TTCPWindowsEventSecurity() : TTCPlugin(u"TTCPWindowsEventSecurity") {
-  Describe(*this, rsApp_EventViewer, 4002, u"Liste der Sicherheitsrelevante Ereignisse",
+  SetTexts(*this, rsApp_EventViewer, 4002, u"Liste der Sicherheitsrelevante Ereignisse",
            u"Windows speichert Sicherheitsrelevante Ereignisse in einem Protokoll. Ein "
            u"Sicherheitsrelevantes Ereignis ist z.B. das Sichern oder Löschen von Einträgen in "
            u"der Registrierungsdatenbank.");
@@ -165,7 +155,7 @@ void TTCPWindowsEventSecurity::Clean() {
 }
 
 TTCPWindowsEventSystem::TTCPWindowsEventSystem() : TTCPlugin(u"TTCPWindowsEventSystem") {
-  Describe(*this, rsApp_EventViewer, 4002, u"Liste der Systemereignisse",
+  SetTexts(*this, rsApp_EventViewer, 4002, u"Liste der Systemereignisse",
            u"Windows protokolliert Systemmeldungen in einem Ereignissprotokoll. Dazu gehören "
            u"z.B. das Starten und Beenden von Diensten und Treibern sowie Fehler der Hardware. "
            u"Anhand dieses Protokolls lässt sich nachvollziehen, wann Ihr Computer benutzt "

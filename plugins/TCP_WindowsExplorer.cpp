@@ -24,20 +24,10 @@ constexpr TTraceFlags kDeletableFixed =
 constexpr int32_t kSHCNE_ASSOCCHANGED = 0x08000000;
 
 // Steps shared by every constructor of the unit, in the plug-in recipe's order.
-void Describe(TTCPlugin& p, const String& app, int icon, const String& caption,
+void SetTexts(TTCPlugin& p, const String& app, int icon, const String& caption,
               const String& description) {
-  p.Section = rsTCPSection_Windows;
-  p.AppCaption = app;
-  p.IconFile = FileNameByID(icon, 27);
-  p.Caption = caption;
-  p.Description = description;
+  p.Describe(rsTCPSection_Windows, app, icon, caption, description);
   p.DeactivateIfAbsent = false;
-}
-
-template <class T>
-void FreeAndNil(T*& p) {
-  delete p;
-  p = nullptr;
 }
 
 TTCPComDlgOpenSave* TCPComDlgOpenSave = nullptr;
@@ -52,7 +42,7 @@ TTCPRecentApps* TCPRecentApps = nullptr;
 }  // namespace
 
 TTCPComDlgOpenSave::TTCPComDlgOpenSave() : TTCPlugin(u"TTCPComDlgOpenSave") {
-  Describe(*this, rsApp_ComDlg, 5002, u"Liste der zuletzt geöffneten und gespeicherten Dateien",
+  SetTexts(*this, rsApp_ComDlg, 5002, u"Liste der zuletzt geöffneten und gespeicherten Dateien",
            u"Viele Anwendungen verwenden zum Öffnen und Speichern von Dateien spezielle "
            u"Windows-Standarddialoge. Diese Dialoge legen selbständig eine Liste der zuletzt "
            u"geöffneten und gespeicherten Dateien an und können somit verraten, was Sie am "
@@ -64,7 +54,7 @@ TTCPComDlgOpenSave::TTCPComDlgOpenSave() : TTCPlugin(u"TTCPComDlgOpenSave") {
 }
 
 TTCPComDlgLastVisited::TTCPComDlgLastVisited() : TTCPlugin(u"TTCPComDlgLastVisited") {
-  Describe(*this, rsApp_ComDlg, 5002, u"Liste der zuletzt verwendeten Ordner",
+  SetTexts(*this, rsApp_ComDlg, 5002, u"Liste der zuletzt verwendeten Ordner",
            u"Viele Anwendungen verwenden zum Öffnen und Speichern von Dateien spezielle "
            u"Windows-Standarddialoge. Diese Dialoge legen selbständig eine Liste der zuletzt "
            u"verwendeten Ordner an und können somit verraten, was Sie am Computer getan haben.");
@@ -75,7 +65,7 @@ TTCPComDlgLastVisited::TTCPComDlgLastVisited() : TTCPlugin(u"TTCPComDlgLastVisit
 }
 
 TTCPStartMenuRun::TTCPStartMenuRun() : TTCPlugin(u"TTCPStartMenuRun") {
-  Describe(*this, rsApp_Explorer, 5000,
+  SetTexts(*this, rsApp_Explorer, 5000,
            u"Liste der zuletzt geöffneten Anwendungen, Dateien und Webseiten",
            u"Der Befehl \"Ausführen\" im Startmenü führt eine Liste der zuletzt eingegebenen "
            u"Befehle. Diese Liste kann verraten, welche Anwendungen Sie gestartet, welche "
@@ -91,7 +81,7 @@ void TTCPStartMenuRun::Clean() {
 }
 
 TTCPRecentDocs::TTCPRecentDocs() : TTCPlugin(u"TTCPRecentDocs") {
-  Describe(*this, rsApp_Explorer, 5000, u"Liste der zuletzt verwendeten Dokumente",
+  SetTexts(*this, rsApp_Explorer, 5000, u"Liste der zuletzt verwendeten Dokumente",
            u"Im Windows-Startmenü werden die von Ihnen zuletzt verwendeten Dokumente angezeigt. "
            u"Diese Liste von Dokumenten gibt Aufschluss darüber, mit welchen Dokumenten Sie "
            u"gearbeitet haben und kann vertrauliche Informationen enthalten.");
@@ -101,7 +91,7 @@ TTCPRecentDocs::TTCPRecentDocs() : TTCPlugin(u"TTCPRecentDocs") {
 }
 
 TTCPSearchFiles::TTCPSearchFiles() : TTCPlugin(u"TTCPSearchFiles") {
-  Describe(*this, rsApp_Search, 5001, u"Liste der zuletzt gesuchten Dateinamen",
+  SetTexts(*this, rsApp_Search, 5001, u"Liste der zuletzt gesuchten Dateinamen",
            u"Die Windows-Suche, die Sie über das Startmenü oder den Windows-Explorer erreichen "
            u"können, speichert die zuletzt von Ihnen eingegebenen Dateinamen oder Suchmasken. "
            u"Diese Liste kann vertrauliche Informationen enthalten.");
@@ -115,7 +105,7 @@ TTCPSearchFiles::TTCPSearchFiles() : TTCPlugin(u"TTCPSearchFiles") {
 }
 
 TTCPSearchText::TTCPSearchText() : TTCPlugin(u"TTCPSearchText") {
-  Describe(*this, rsApp_Search, 5001,
+  SetTexts(*this, rsApp_Search, 5001,
            u"Liste der zuletzt innerhalb von Dateien gesuchten Begriffe",
            u"Die Windows-Suche, die Sie über das Startmenü oder den Windows-Explorer erreichen "
            u"können, speichert die zuletzt von Ihnen eingegebenen Begriffe, nach denen Sie "
@@ -131,7 +121,7 @@ TTCPSearchText::TTCPSearchText() : TTCPlugin(u"TTCPSearchText") {
 }
 
 TTCPNetworkDrives::TTCPNetworkDrives() : TTCPlugin(u"TTCPNetworkDrives") {
-  Describe(*this, rsApp_Explorer, 5000, u"Liste der zuletzt verbundenen Netzlaufwerke",
+  SetTexts(*this, rsApp_Explorer, 5000, u"Liste der zuletzt verbundenen Netzlaufwerke",
            u"Wenn Sie in Windows ein Netzlaufwerk verbinden, wird der verwendete freigegebene "
            u"Ordner in einer Liste gespeichert. Diese Liste bleibt auch nach dem Trennen des "
            u"Netzlaufwerkes bestehen und kann somit verraten, was Sie am Computer getan haben.");
@@ -142,7 +132,7 @@ TTCPNetworkDrives::TTCPNetworkDrives() : TTCPlugin(u"TTCPNetworkDrives") {
 }
 
 TTCPRecentApps::TTCPRecentApps() : TTCPlugin(u"TTCPRecentApps") {
-  Describe(*this, rsApp_Explorer, 5000, u"Liste der häufig verwendeten Anwendungen im Startmenü",
+  SetTexts(*this, rsApp_Explorer, 5000, u"Liste der häufig verwendeten Anwendungen im Startmenü",
            u"Windows XP und Windows 2003 speichern die von Ihnen häufig verwendeten Anwendungen "
            u"in einer Liste, um sie auf der linken Seite des neuen Startmenüs anzuzeigen. Anhand "
            u"dieser Liste lässt sich herausfinden, mit welchen Anwendungen Sie arbeiten und wie "

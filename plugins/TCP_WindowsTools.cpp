@@ -14,20 +14,10 @@ constexpr TTraceFlags kDeletableFixed =
     FlagOf(TF_Deletable_Per_Item) | FlagOf(TF_Needs_Fix_After_Cleaning);
 
 // Steps shared by every constructor of the unit, in the plug-in recipe's order.
-void Describe(TTCPlugin& p, const String& app, int icon, const String& caption,
+void SetTexts(TTCPlugin& p, const String& app, int icon, const String& caption,
               const String& description) {
-  p.Section = rsTCPSection_WindowsTools;
-  p.AppCaption = app;
-  p.IconFile = FileNameByID(icon, 27);
-  p.Caption = caption;
-  p.Description = description;
+  p.Describe(rsTCPSection_WindowsTools, app, icon, caption, description);
   p.DeactivateIfAbsent = false;
-}
-
-template <class T>
-void FreeAndNil(T*& p) {
-  delete p;
-  p = nullptr;
 }
 
 TTCPWordPad* TCPWordPad = nullptr;
@@ -39,7 +29,7 @@ TTCPMovieMakerMRU* TCPMovieMakerMRU = nullptr;
 }  // namespace
 
 TTCPWordPad::TTCPWordPad() : TTCPlugin(u"TTCPWordPad") {
-  Describe(*this, u"Microsoft WordPad", 6000, u"Liste der zuletzt verwendeten Dokumente",
+  SetTexts(*this, u"Microsoft WordPad", 6000, u"Liste der zuletzt verwendeten Dokumente",
            u"Microsoft WordPad speichert eine Liste der zuletzt von Ihnen geöffneten Dokumente "
            u"und zeigt diese im Hauptmenü an. Selbst wenn die entsprechenden Dokumente nicht mehr "
            u"existieren, können die gespeicherten Dateinamen vertrauliche Informationen "
@@ -51,7 +41,7 @@ TTCPWordPad::TTCPWordPad() : TTCPlugin(u"TTCPWordPad") {
 }
 
 TTCPMSPaint::TTCPMSPaint() : TTCPlugin(u"TTCPMSPaint") {
-  Describe(*this, u"Microsoft Paint", 6001, u"Liste der zuletzt verwendeten Grafiken",
+  SetTexts(*this, u"Microsoft Paint", 6001, u"Liste der zuletzt verwendeten Grafiken",
            u"Microsoft Paint speichert eine Liste der zuletzt von Ihnen geöffneten Grafiken und "
            u"zeigt diese im Hauptmenü an. Selbst wenn die entsprechenden Grafiken nicht mehr "
            u"existieren, können die gespeicherten Dateinamen vertrauliche Informationen "
@@ -63,7 +53,7 @@ TTCPMSPaint::TTCPMSPaint() : TTCPlugin(u"TTCPMSPaint") {
 }
 
 TTCPRegedit::TTCPRegedit() : TTCPlugin(u"TTCPRegedit") {
-  Describe(*this, u"Registrierungs-Editor", 6002, u"Zuletzt geöffneter Schlüssel",
+  SetTexts(*this, u"Registrierungs-Editor", 6002, u"Zuletzt geöffneter Schlüssel",
            u"Der Registrierungs-Editor von Windows merkt sich den Schlüssel, der zuletzt "
            u"angezeigt wurde, bevor Sie die Anwendung geschlossen haben. Beim nächsten Start "
            u"springt er automatisch wieder zu diesem Schlüssel und kann so verraten, an welcher "
@@ -75,7 +65,7 @@ TTCPRegedit::TTCPRegedit() : TTCPlugin(u"TTCPRegedit") {
 }
 
 TTCPTermSrvClient::TTCPTermSrvClient() : TTCPlugin(u"TTCPTermSrvClient") {
-  Describe(*this, u"Remotedesktopverbindung", 6003, u"Liste der zuletzt verbundenen Computer",
+  SetTexts(*this, u"Remotedesktopverbindung", 6003, u"Liste der zuletzt verbundenen Computer",
            u"Die Remotedesktopverbindung speichert eine Liste der letzten Computer, zu denen Sie "
            u"eine Verbindung hergestellt haben.");
   AddTraceLocation(TLT_Registry_NumberedNames,
@@ -88,7 +78,7 @@ TTCPTermSrvClient::TTCPTermSrvClient() : TTCPlugin(u"TTCPTermSrvClient") {
 
 TTCPMovieMakerMRU::TTCPMovieMakerMRU() : TTCPlugin(u"TTCPMovieMakerMRU") {
   String key;
-  Describe(*this, u"Windows Movie Maker", 6004, u"Liste der zuletzt geöffneten Projekte",
+  SetTexts(*this, u"Windows Movie Maker", 6004, u"Liste der zuletzt geöffneten Projekte",
            u"Der Windows Movie Maker speichert die zuletzt geöffneten oder gespeicherten "
            u"Projekte in einer Liste, um diese später schneller wieder öffnen zu können. Diese "
            u"Liste enthält die kompletten Pfade zu Ihren Movie Maker Projekten");
