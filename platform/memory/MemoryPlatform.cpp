@@ -1,7 +1,11 @@
 #include "platform/memory/MemoryPlatform.h"
 
 #include "platform/DefaultIconCatalogue.h"
+#if TC_HAVE_PUGIXML
 #include "platform/PugiXmlDocuments.h"
+#else
+#include "platform/win32/MsXmlDocuments.h"
+#endif
 #include "platform/RegistryProductSettings.h"
 #include "platform/TextIniFiles.h"
 
@@ -77,7 +81,11 @@ MemoryWindows MakeMemoryWindows() {
   p->RebootDeleter = m.RebootDeleter;
   p->ProductSettings = std::make_shared<RegistryProductSettings>(m.RegistryFaults);
   p->IniFiles = std::make_shared<TextIniFiles>(m.FileFaults);
+#if TC_HAVE_PUGIXML
   p->Xml = std::make_shared<PugiXmlDocuments>(m.FileFaults);
+#else
+  p->Xml = std::make_shared<MsXmlDocuments>(m.FileFaults);
+#endif
   p->UI = m.UI;
   p->Clock = m.Clock;
   p->Icons = std::make_shared<DefaultIconCatalogue>();

@@ -1,6 +1,7 @@
 #include "platform/win32/Win32FileSystem.h"
 
 #include <algorithm>
+#include <string>
 
 #include "platform/TextCodec.h"
 #include "platform/win32/Win32Error.h"
@@ -44,9 +45,35 @@ DWORD AttributesOf(const String& path) {
   return GetFileAttributesW(Wide(ExtendedPath(WithoutTrailingDelim(path))));
 }
 
+// Windows resolves links anywhere in a path; refusing paths that pass through one keeps
+// every operation on this side of a link. `withLast` includes the path's own last component
+// (for listing a folder, which would enter it).
+uint32_t CrossesLink(const String& path, bool withLast) {
+  size_t start = 0;
+  if (path.starts_with(u"\\\\?\\")) start = 4;
+  if (path.size() >= start + 3 && path[start + 1] == u':') {
+    start += 3;
+  } else if (path.starts_with(u"\\\\")) {  // \\server\share\ is the root
+    const size_t share = path.find(kPathDelim, 2);
+    start = share == String::npos ? path.size() : path.find(kPathDelim, share + 1);
+    if (start == String::npos) return ERROR_SUCCESS;
+    ++start;
+  }
+  const String p = WithoutTrailingDelim(path);
+  for (size_t cut = p.find(kPathDelim, start);; cut = p.find(kPathDelim, cut + 1)) {
+    if (cut == String::npos && !withLast) break;
+    const String prefix = cut == String::npos ? p : p.substr(0, cut);
+    const DWORD a = GetFileAttributesW(Wide(ExtendedPath(prefix)));
+    if (a == INVALID_FILE_ATTRIBUTES) break;  // missing: the operation itself says so
+    if (a & FILE_ATTRIBUTE_REPARSE_POINT) return ERROR_CANT_RESOLVE_FILENAME;
+    if (cut == String::npos) break;
+  }
+  return ERROR_SUCCESS;
+}
+
 class Win32FileHandle : public IFileHandle {
  public:
-  explicit Win32FileHandle(HANDLE h) : h_(h) {}
+  Win32FileHandle(HANDLE h, bool writable) : h_(h), writable_(writable) {}
   ~Win32FileHandle() override { CloseHandle(h_); }
 
   uint32_t Read(uint64_t offset, void* buffer, size_t size, size_t& done) override {
@@ -66,7 +93,9 @@ class Win32FileHandle : public IFileHandle {
     return ERROR_SUCCESS;
   }
 
+  // A handle opened for reading refuses changes itself: systems disagree on the code.
   uint32_t Write(uint64_t offset, const void* data, size_t size) override {
+    if (!writable_) return ERROR_ACCESS_DENIED;
     const auto* in = static_cast<const uint8_t*>(data);
     size_t done = 0;
     while (done < size) {
@@ -83,6 +112,7 @@ class Win32FileHandle : public IFileHandle {
   uint32_t Flush() override { return FlushFileBuffers(h_) ? ERROR_SUCCESS : LastNativeError(); }
 
   uint32_t SetSize(uint64_t size) override {
+    if (!writable_) return ERROR_ACCESS_DENIED;
     LARGE_INTEGER at;
     at.QuadPart = static_cast<LONGLONG>(size);
     if (!SetFilePointerEx(h_, at, nullptr, FILE_BEGIN) || !SetEndOfFile(h_))
@@ -106,12 +136,14 @@ class Win32FileHandle : public IFileHandle {
   }
 
   HANDLE h_;
+  bool writable_;
 };
 
 }  // namespace
 
 uint32_t Win32FileSystem::ListFolder(const String& folder, std::vector<FileInfo>& entries) {
   entries.clear();
+  if (uint32_t rc = CrossesLink(folder, true)) return rc;
   String pattern = folder;
   if (pattern.empty() || pattern.back() != kPathDelim) pattern += kPathDelim;
   pattern += u'*';
@@ -145,6 +177,7 @@ uint32_t Win32FileSystem::ListFolder(const String& folder, std::vector<FileInfo>
 
 uint32_t Win32FileSystem::GetInfo(const String& path, FileInfo& info) {
   if (path.find_first_of(u"*?") != String::npos) return ERROR_INVALID_NAME;
+  if (uint32_t rc = CrossesLink(path, false)) return rc;
   const String p = WithoutTrailingDelim(path);
   if (IsDriveRoot(p)) {
     WIN32_FILE_ATTRIBUTE_DATA a;
@@ -181,14 +214,22 @@ uint32_t Win32FileSystem::Open(const String& path, OpenMode mode,
       disposition = CREATE_NEW;
       break;
   }
+  if (uint32_t rc = CrossesLink(path, false)) return rc;
+  if (mode != OpenMode::Read && mode != OpenMode::CreateNew) {
+    // Windows refuses to write a read-only file even to administrators; Wine running as
+    // root would not.
+    const DWORD a = GetFileAttributesW(Wide(ExtendedPath(path)));
+    if (a != INVALID_FILE_ATTRIBUTES && (a & FILE_ATTRIBUTE_READONLY)) return ERROR_ACCESS_DENIED;
+  }
   HANDLE h = CreateFileW(Wide(ExtendedPath(path)), access, share, nullptr, disposition,
                          FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
   if (h == INVALID_HANDLE_VALUE) return LastNativeError();
-  file = std::make_unique<Win32FileHandle>(h);
+  file = std::make_unique<Win32FileHandle>(h, mode != OpenMode::Read);
   return ERROR_SUCCESS;
 }
 
 uint32_t Win32FileSystem::RemoveFile(const String& path) {
+  if (uint32_t rc = CrossesLink(path, false)) return rc;
   const String p = ExtendedPath(path);
   const DWORD a = GetFileAttributesW(Wide(p));
   if (a != INVALID_FILE_ATTRIBUTES && (a & FILE_ATTRIBUTE_DIRECTORY)) {
@@ -200,6 +241,7 @@ uint32_t Win32FileSystem::RemoveFile(const String& path) {
 }
 
 uint32_t Win32FileSystem::MakeFolder(const String& path) {
+  if (uint32_t rc = CrossesLink(path, false)) return rc;
   const String p = WithoutTrailingDelim(path);
   if (IsDriveRoot(p)) {
     const DWORD a = AttributesOf(p + kPathDelim);
@@ -221,18 +263,35 @@ uint32_t Win32FileSystem::MakeFolder(const String& path) {
 }
 
 uint32_t Win32FileSystem::RemoveFolder(const String& path) {
+  if (uint32_t rc = CrossesLink(path, false)) return rc;
   return RemoveDirectoryW(Wide(ExtendedPath(WithoutTrailingDelim(path)))) ? ERROR_SUCCESS
                                                                           : LastNativeError();
 }
 
 uint32_t Win32FileSystem::Rename(const String& from, const String& to) {
+  if (uint32_t rc = CrossesLink(from, false)) return rc;
+  if (uint32_t rc = CrossesLink(to, false)) return rc;
   // Same volume only: a rename never turns into a copy that leaves the old data behind.
-  return MoveFileExW(Wide(ExtendedPath(from)), Wide(ExtendedPath(to)), MOVEFILE_REPLACE_EXISTING)
-             ? ERROR_SUCCESS
-             : LastNativeError();
+  auto move = [](const String& a, const String& b) {
+    return MoveFileExW(Wide(ExtendedPath(a)), Wide(ExtendedPath(b)), MOVEFILE_REPLACE_EXISTING)
+               ? ERROR_SUCCESS
+               : LastNativeError();
+  };
+  if (from == to || !SameText(from, to)) return move(from, to);
+  // A change of case only: Wine takes it for a rename onto itself and does nothing, so the
+  // name goes through a free temporary one.
+  String temp;
+  FileInfo unused;
+  for (int i = 0; temp.empty() || GetInfo(temp, unused) == ERROR_SUCCESS; ++i)
+    temp = WithoutTrailingDelim(from) + u".tc-case" + FromUtf8(std::to_string(i));
+  if (uint32_t rc = move(from, temp)) return rc;
+  const uint32_t rc = move(temp, to);
+  if (rc != ERROR_SUCCESS) move(temp, from);
+  return rc;
 }
 
 uint32_t Win32FileSystem::SetAttributes(const String& path, uint32_t attributes) {
+  if (uint32_t rc = CrossesLink(path, false)) return rc;
   return SetFileAttributesW(Wide(ExtendedPath(path)), attributes) ? ERROR_SUCCESS
                                                                    : LastNativeError();
 }

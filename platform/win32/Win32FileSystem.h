@@ -5,7 +5,8 @@
 namespace tc {
 
 // Reparse points are never followed: listings and look-ups report them with their own
-// attributes, opening one opens the link itself, and removing one removes only the link.
+// attributes, opening one opens the link itself, removing one removes only the link, and a
+// path that passes through one is refused with ERROR_CANT_RESOLVE_FILENAME.
 // Files open for reading share reading only; files open for writing share nothing, so a
 // file being shredded cannot be read meanwhile.
 class Win32FileSystem : public IFileSystem {

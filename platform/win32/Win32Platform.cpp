@@ -3,10 +3,10 @@
 #include "platform/DefaultIconCatalogue.h"
 #include "platform/RegistryProductSettings.h"
 #include "platform/SystemClock.h"
+#include "platform/TextIniFiles.h"
 #include "platform/win32/MsXmlDocuments.h"
 #include "platform/win32/Win32EventLogs.h"
 #include "platform/win32/Win32FileSystem.h"
-#include "platform/win32/Win32IniFiles.h"
 #include "platform/win32/Win32ProtectedStorage.h"
 #include "platform/win32/Win32RebootDeleter.h"
 #include "platform/win32/Win32RecycleBin.h"
@@ -22,7 +22,8 @@ std::shared_ptr<Platform> MakeWin32Platform() {
   auto p = std::make_shared<Platform>();
   auto registry = std::make_shared<Win32Registry>();
   p->Registry = registry;
-  p->Files = std::make_shared<Win32FileSystem>();
+  auto files = std::make_shared<Win32FileSystem>();
+  p->Files = files;
   p->Shell = std::make_shared<Win32Shell>();
   p->UrlCache = std::make_shared<Win32UrlCache>();
   p->ProtectedStorage = std::make_shared<Win32ProtectedStorage>();
@@ -31,8 +32,8 @@ std::shared_ptr<Platform> MakeWin32Platform() {
   p->RecycleBin = std::make_shared<Win32RecycleBin>();
   p->RebootDeleter = std::make_shared<Win32RebootDeleter>();
   p->ProductSettings = std::make_shared<RegistryProductSettings>(registry);
-  p->IniFiles = std::make_shared<Win32IniFiles>();
-  p->Xml = std::make_shared<MsXmlDocuments>();
+  p->IniFiles = std::make_shared<TextIniFiles>(files);
+  p->Xml = std::make_shared<MsXmlDocuments>(files);
   p->UI = std::make_shared<Win32UserInterface>();
   p->Clock = std::make_shared<SystemClock>();
   p->Icons = std::make_shared<DefaultIconCatalogue>();

@@ -189,8 +189,13 @@ uint32_t Win32Registry::SetValue(HKEY root, const String& key, const String& nam
                                  const RegValue& value, RegView view) {
   OpenKey k;
   if (uint32_t e = Open(root, key, KEY_SET_VALUE, view, k)) return e;
+  // Windows adds a terminator to string data that lacks one when the character behind the
+  // data happens to be NUL; a non-NUL guard behind a copy keeps the bytes exactly as given.
+  Bytes data = value.Data;
+  if (value.Type == REG_SZ || value.Type == REG_EXPAND_SZ || value.Type == REG_MULTI_SZ)
+    data.insert(data.end(), {0xFF, 0xFF});
   return MapNativeError(RegSetValueExW(k.Get(), Wide(name), 0, value.Type,
-                                       value.Data.empty() ? nullptr : value.Data.data(),
+                                       data.empty() ? nullptr : data.data(),
                                        static_cast<DWORD>(value.Data.size())));
 }
 

@@ -16,6 +16,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -130,6 +131,9 @@ TYPED_TEST_SUITE_P(ContractTest);
 // --- Registry -------------------------------------------------------------------------
 
 TYPED_TEST_P(ContractTest, ValuesEnumerateInCreationOrder) {
+  if constexpr (requires { TypeParam::KeepsValueOrder(); }) {
+    if (!TypeParam::KeepsValueOrder()) GTEST_SKIP() << "this system sorts values by name";
+  }
   const String k = this->Key(u"");
   for (const char16_t* name : {u"b", u"A", u"c", u"d"}) {
     ASSERT_EQ(ERROR_SUCCESS, this->Set(k, name, RegData::Sz(name)));
@@ -202,7 +206,11 @@ TYPED_TEST_P(ContractTest, ValueTypesRoundTripByteForByte) {
     RegValue read;
     ASSERT_EQ(ERROR_SUCCESS, this->Reg().QueryValue(kHKEY_CURRENT_USER, this->Key(u""),
                                                     cases[i].name, read, RegView::Default));
-    for (const RegValue* got : {&read, &listed[i].Value}) {
+    // Found by name: the order of the listing is ValuesEnumerateInCreationOrder's business.
+    auto it = std::find_if(listed.begin(), listed.end(),
+                           [&](const RegNamedValue& v) { return v.Name == cases[i].name; });
+    ASSERT_NE(listed.end(), it);
+    for (const RegValue* got : {&read, &it->Value}) {
       EXPECT_EQ(cases[i].value.Type, got->Type);
       EXPECT_EQ(cases[i].value.Data, got->Data);
     }

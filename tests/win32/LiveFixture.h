@@ -7,6 +7,7 @@
 #include "platform/TextCodec.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Win32Text.h"
+#include "tests/win32/LiveSystemLock.h"
 
 #include <windows.h>
 
@@ -70,6 +71,7 @@ class LiveTest : public ::testing::Test {
     Files().RemoveFolder(folder);
   }
 
+  LiveSystemLock lock_;  // first: held before SetUp and until after TearDown
   std::shared_ptr<Platform> platform_;
   String key_;
   String folder_;

@@ -1,5 +1,5 @@
-// The smaller services against the live system: XML through MSXML, timers, event logs,
-// recycle bin, shell folders, Protected Storage, URL history, settings and ini files.
+// The smaller services against the live system: timers, event logs, recycle bin, shell
+// folders, Protected Storage, URL history, settings and ini files.
 #include "LiveFixture.h"
 #include "platform/RegistryProductSettings.h"
 #include "platform/win32/Win32ProtectedStorage.h"
@@ -21,36 +21,6 @@ std::string ReadAll(IFileSystem& fs, const String& path) {
   f->Read(0, s.data(), s.size(), done);
   s.resize(done);
   return s;
-}
-
-TEST_F(ServicesLive, XmlDocumentRemovesOneChildAndKeepsTheRest) {
-  const std::string before =
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
-      "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\">\r\n"
-      "<!-- kept -->\r\n"
-      "<item oor:path=\"/a\"><node oor:name=\"file:///x\"/></item>\r\n"
-      "<item oor:path=\"/b\"><value>t&amp;u</value></item>\r\n"
-      "</oor:items>\r\n";
-  const String path = WriteFile(u"doc.xcu", before);
-  auto doc = platform_->Xml->Create();
-  ASSERT_TRUE(doc->Load(path));
-  XmlNode root = doc->DocumentElement();
-  EXPECT_EQ(u"oor:items", doc->NodeName(root));
-  ASSERT_EQ(2u, doc->ChildCount(root));  // the comment is no child element
-  XmlNode first = doc->Child(root, 0);
-  EXPECT_EQ(u"/a", doc->Attribute(first, u"oor:path"));
-  EXPECT_EQ(u"", doc->Attribute(first, u"missing"));
-  EXPECT_EQ(u"file:///x", doc->Attribute(doc->Child(first, 0), u"oor:name"));
-  EXPECT_EQ(u"t&u", doc->NodeText(doc->Child(root, 1)));
-  EXPECT_EQ(0u, doc->Child(root, 2));
-
-  doc->RemoveChild(root, 0);
-  ASSERT_TRUE(doc->Save(path));
-  const std::string after = ReadAll(Files(), path);
-  EXPECT_NE(std::string::npos, after.find("<!-- kept -->"));
-  EXPECT_NE(std::string::npos, after.find("<item oor:path=\"/b\"><value>t&amp;u</value></item>"));
-  EXPECT_EQ(std::string::npos, after.find("/a"));
-  EXPECT_FALSE(doc->Load(folder_ + u"\\missing.xml"));
 }
 
 TEST_F(ServicesLive, TimersFireOnlyFromTheMessageLoopOncePerCall) {
