@@ -182,7 +182,8 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
 
 void TTCPlugin::TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
   std::vector<FileInfo> dirs, files;
-  if (!ListFolderEntries(Folder, dirs, files)) return;
+  // Counting needs names only; the order is not seen, as nothing is reported.
+  if (!ListFolderEntries(Folder, dirs, files, true)) return;
   String base = IncludeTrailingPathDelimiter(Folder);
   for (const auto& d : dirs) TraceFilesRecurse(base + d.Name, Matcher);
   for (const auto& f : files) TraceCount += Matcher.Match(f.Name);

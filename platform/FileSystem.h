@@ -50,6 +50,12 @@ class IFileSystem {
  public:
   virtual ~IFileSystem() = default;
   virtual uint32_t ListFolder(const String& folder, std::vector<FileInfo>& entries) = 0;
+  // The same entries for walks that only tell files from folders: each is sure to carry its
+  // Name and the directory and reparse-point bits, in no particular order. A backend whose
+  // listing costs more per entry (a stat for the size) answers it more cheaply.
+  virtual uint32_t ListFolderNames(const String& folder, std::vector<FileInfo>& entries) {
+    return ListFolder(folder, entries);
+  }
   virtual uint32_t GetInfo(const String& path, FileInfo& info) = 0;
   virtual uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) = 0;
   virtual uint32_t RemoveFile(const String& path) = 0;

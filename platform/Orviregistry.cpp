@@ -307,13 +307,15 @@ int64_t GetFileSize64(const String& path) {
 }
 
 bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
-                       std::vector<FileInfo>& files) {
+                       std::vector<FileInfo>& files, bool namesOnly) {
   dirs.clear();
   files.clear();
   std::vector<FileInfo> entries;
   String f = ExcludeTrailingPathDelimiter(folder);
   if (f.size() == 2 && f[1] == u':') f += kPathDelim;
-  if (f.empty() || Fs().ListFolder(f, entries) != ERROR_SUCCESS) return false;
+  if (f.empty()) return false;
+  uint32_t rc = namesOnly ? Fs().ListFolderNames(f, entries) : Fs().ListFolder(f, entries);
+  if (rc != ERROR_SUCCESS) return false;
   for (auto& e : entries) {
     if (e.IsReparsePoint()) continue;  // links lead elsewhere: never walk or list them
     (e.IsDirectory() ? dirs : files).push_back(std::move(e));

@@ -66,9 +66,11 @@ int64_t GetFileSize64(const String& path);
 bool EnumFiles(const String& folder, StringList& names, const String& mask);
 // Sub-folder names of `folder`; links and junctions are not listed.
 bool EnumDirectories(const String& folder, StringList& names);
-// One listing of a folder split into real sub-folders and files (links are skipped).
+// One listing of a folder split into real sub-folders and files (links are skipped). With
+// `namesOnly` the entries may carry no more than their names, in the backend's order:
+// enough for a walk that counts.
 bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
-                       std::vector<FileInfo>& files);
+                       std::vector<FileInfo>& files, bool namesOnly = false);
 
 // Private-profile string of an ini file.
 String GetPPString(const String& section, const String& key, const String& def,

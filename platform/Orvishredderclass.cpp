@@ -62,10 +62,11 @@ void FillRandom(std::vector<uint8_t>& buf) {
   for (; i < buf.size(); ++i) buf[i] = static_cast<uint8_t>(rng());
 }
 
+// Digits only: a name without letters has one spelling, so making sure it is free needs no
+// case-insensitive search through the folder.
 String RandomNameLike(const String& name) {
-  static const char16_t kChars[] = u"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
-  String out(name.size(), u'X');
-  for (auto& c : out) c = kChars[Rng()() % 36];
+  String out(name.size(), u'0');
+  for (auto& c : out) c = static_cast<char16_t>(u'0' + Rng()() % 10);
   return out;
 }
 
@@ -111,21 +112,19 @@ void TOrviShredderClass::Report() {
 
 bool TOrviShredderClass::ExecuteShredder() {
   const uint64_t passes = static_cast<uint64_t>(PassCount(method_)) * recurrence_;
-  std::vector<std::pair<String, uint64_t>> sizes;
+  // Each file is looked up once; its shredding works from what this look-up found.
+  std::vector<LookedUp> found(Files.size());
   jobBytes_ = doneBytes_ = 0;
   filesDone_ = 0;
   lastPercent_ = -1;
-  for (const auto& f : Files) {
-    FileInfo info;
-    uint64_t size = 0;
-    if (Services().Files->GetInfo(f, info) == ERROR_SUCCESS && !info.IsReparsePoint())
-      size = info.Size;
-    sizes.emplace_back(f, size);
-    jobBytes_ += size * passes;
+  for (size_t i = 0; i < Files.size(); ++i) {
+    found[i].rc = Services().Files->GetInfo(Files[i], found[i].info);
+    if (found[i].rc == ERROR_SUCCESS && !found[i].info.IsReparsePoint())
+      jobBytes_ += found[i].info.Size * passes;
   }
   uint32_t failure = ERROR_SUCCESS;
-  for (const auto& [path, size] : sizes) {
-    uint32_t rc = ShredOne(path, size);
+  for (size_t i = 0; i < Files.size(); ++i) {
+    uint32_t rc = ShredOne(Files[i], found[i]);
     if (rc != ERROR_SUCCESS) failure = rc;
     ++filesDone_;
   }
@@ -134,16 +133,15 @@ bool TOrviShredderClass::ExecuteShredder() {
   return failure == ERROR_SUCCESS;
 }
 
-uint32_t TOrviShredderClass::ShredOne(const String& path, uint64_t size) {
+uint32_t TOrviShredderClass::ShredOne(const String& path, const LookedUp& file) {
   IFileSystem& fs = *Services().Files;
-  FileInfo info;
-  uint32_t rc = fs.GetInfo(path, info);
-  if (rc != ERROR_SUCCESS) return rc;
+  const FileInfo& info = file.info;
+  if (file.rc != ERROR_SUCCESS) return file.rc;
   if (info.IsDirectory()) return ERROR_ACCESS_DENIED;
   if (info.IsReparsePoint()) return fs.RemoveFile(path);  // the link goes, its target stays
   if (info.Attributes & FILE_ATTRIBUTE_READONLY)
     fs.SetAttributes(path, info.Attributes & ~FILE_ATTRIBUTE_READONLY);
-  rc = Overwrite(path, size);
+  uint32_t rc = Overwrite(path, info.Size);
   if (rc != ERROR_SUCCESS) return rc;
   return RemoveNameAndFile(path);
 }

@@ -2,6 +2,7 @@
 #pragma once
 #include <functional>
 
+#include "platform/FileSystem.h"
 #include "platform/WinTypes.h"
 
 namespace tc {
@@ -33,7 +34,11 @@ class TOrviShredderClass {
   static bool MethodFromName(const String& name, TDeleteMethod& method);
 
  private:
-  uint32_t ShredOne(const String& path, uint64_t size);
+  struct LookedUp {
+    uint32_t rc = ERROR_SUCCESS;
+    FileInfo info;
+  };
+  uint32_t ShredOne(const String& path, const LookedUp& file);
   uint32_t Overwrite(const String& path, uint64_t size);
   uint32_t RemoveNameAndFile(const String& path);
   void Report();

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include "platform/TextCodec.h"
 #include "platform/offline/OsError.h"
@@ -152,6 +153,36 @@ uint32_t OfflineVolume::ListFolder(const String& folder, std::vector<FileInfo>& 
   sorted.reserve(entries.size());
   for (auto& k : keys) sorted.push_back(std::move(entries[k.second]));
   entries = std::move(sorted);
+  return ERROR_SUCCESS;
+}
+
+uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileInfo>& entries) {
+  entries.clear();
+  std::string host;
+  uint32_t rc = drives_.Resolve(folder, LastLink::Refuse, false, host);
+  if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
+  DIR* dir = opendir(host.c_str());
+  if (!dir) return errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND;
+  while (dirent* e = readdir(dir)) {
+    if (std::strcmp(e->d_name, ".") == 0 || std::strcmp(e->d_name, "..") == 0) continue;
+    unsigned char type = e->d_type;
+    struct stat st {};
+    if (type == DT_UNKNOWN) {  // file systems that keep no type in the directory
+      if (fstatat(dirfd(dir), e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
+      type = IFTODT(st.st_mode);
+    }
+    FileInfo info;
+    info.Name = FromUtf8(e->d_name);
+    if (type == DT_LNK) {
+      info.Attributes = FILE_ATTRIBUTE_REPARSE_POINT;
+      if (fstatat(dirfd(dir), e->d_name, &st, 0) == 0 && S_ISDIR(st.st_mode))
+        info.Attributes |= FILE_ATTRIBUTE_DIRECTORY;
+    } else if (type == DT_DIR) {
+      info.Attributes = FILE_ATTRIBUTE_DIRECTORY;
+    }
+    entries.push_back(std::move(info));
+  }
+  closedir(dir);
   return ERROR_SUCCESS;
 }
 

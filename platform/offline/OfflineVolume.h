@@ -17,6 +17,8 @@ class OfflineVolume : public IFileSystem {
   const DriveMap& Drives() const { return drives_; }
 
   uint32_t ListFolder(const String& folder, std::vector<FileInfo>& entries) override;
+  // From the directory's own entry types: no stat or attribute read per file.
+  uint32_t ListFolderNames(const String& folder, std::vector<FileInfo>& entries) override;
   uint32_t GetInfo(const String& path, FileInfo& info) override;
   uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) override;
   uint32_t RemoveFile(const String& path) override;

@@ -1,7 +1,10 @@
 #include "platform/offline/VolumePath.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <linux/openat2.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <climits>
@@ -21,6 +24,13 @@ std::string Join(const std::string& root, const std::vector<std::string>& parts)
   return out;
 }
 
+// Only a name with letters (or characters beyond ASCII) can be spelled another way.
+bool HasOtherSpellings(const std::string& name) {
+  for (unsigned char c : name)
+    if (c >= 0x80 || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z')) return true;
+  return false;
+}
+
 // The entry of `folder` named `name`, case-insensitively; an exact match wins.
 bool FindEntry(const std::string& folder, const std::string& name, std::string& found,
                struct stat& st) {
@@ -28,6 +38,7 @@ bool FindEntry(const std::string& folder, const std::string& name, std::string& 
     found = name;
     return true;
   }
+  if (!HasOtherSpellings(name)) return false;  // the shredder's random names, for one
   DIR* dir = opendir(folder.c_str());
   if (!dir) return false;
   String wanted = FromUtf8(name);
@@ -42,6 +53,32 @@ bool FindEntry(const std::string& folder, const std::string& name, std::string& 
   if (best.empty() || lstat((folder + "/" + best).c_str(), &st) != 0) return false;
   found = best;
   return true;
+}
+
+// The path spelled exactly as given, when it exists and no link lies on the way (a link as
+// last component only for NoFollow): one kernel walk that refuses links instead of a look-up
+// per component. False sends the caller to that walk, which also finds the reason.
+bool ResolvesExactly(const std::string& root, const std::deque<std::string>& parts,
+                     LastLink last, std::string& host) {
+#ifdef SYS_openat2
+  std::string path = root;
+  for (const auto& p : parts) {
+    if (p == ".") return false;  // "file\." is no folder: the walk says so
+    path += "/" + p;
+  }
+  if (path == root) return false;
+  open_how how{};
+  how.flags = O_PATH | O_CLOEXEC | (last == LastLink::NoFollow ? O_NOFOLLOW : 0);
+  how.resolve = RESOLVE_NO_SYMLINKS;
+  int fd = static_cast<int>(syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how));
+  if (fd < 0) return false;
+  close(fd);
+  host = std::move(path);
+  return true;
+#else
+  (void)root, (void)parts, (void)last, (void)host;
+  return false;
+#endif
 }
 
 void SplitInto(const std::string& s, char sep, std::deque<std::string>& out) {
@@ -86,6 +123,7 @@ uint32_t DriveMap::Resolve(const String& path, LastLink last, bool allowMissingL
   SplitInto(rest, '/', pending);
   for (const auto& p : pending)
     if (p == "..") return ERROR_INVALID_NAME;
+  if (ResolvesExactly(root, pending, last, host)) return ERROR_SUCCESS;
   std::vector<std::string> done;
   while (!pending.empty()) {
     std::string part = pending.front();
