@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs; does nothing when they are all present.
-# Usage: tools/setup.sh [--windows]   (--windows adds the MinGW-w64 cross compiler and Wine)
+# Usage: tools/setup.sh [--windows] [--bench]
+#   --windows adds the MinGW-w64 cross compiler and Wine; --bench what bench/compare.sh
+#   measures with (eatmydata) and against (BleachBit).
 set -euo pipefail
 pkgs=(build-essential cmake pkg-config libhivex-dev libhivex-bin libpugixml-dev
       googletest libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
       reglookup)
-if [ "${1:-}" = "--windows" ]; then
-  pkgs+=(g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix mingw-w64-tools wine wine64)
-fi
+for arg in "$@"; do
+  case "$arg" in
+    --windows) pkgs+=(g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix mingw-w64-tools wine wine64) ;;
+    --bench) pkgs+=(eatmydata bleachbit) ;;
+    *) echo "setup.sh: unknown option $arg" >&2; exit 2 ;;
+  esac
+done
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
