@@ -31,4 +31,15 @@ echo "== fresh Wine prefix $WINEPREFIX made in $(( $(date +%s) - start ))s"
 wineserver -p
 trap 'wineserver -k 2>/dev/null || true' EXIT
 wine wineboot >/dev/null 2>&1 </dev/null
+
+# The command on the live system against the Linux build on an offline image, when there
+# is a Linux build (tools/test.sh makes one first).
+native=${TC_NATIVE_BUILD:-build}
+if [ -x "$native/host/tracecleaner" ] && [ -x "$native/tools/tc_mkimage" ]; then
+  echo "== the command on the live system (Wine) and on an offline image agree"
+  tools/live-offline-agree.sh "$native" "$build"
+else
+  echo "== (no Linux build in $native: live and offline outputs not compared)"
+fi
+
 ctest --test-dir "$build" --output-on-failure -j"$jobs" "$@"
