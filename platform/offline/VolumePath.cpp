@@ -55,28 +55,33 @@ bool FindEntry(const std::string& folder, const std::string& name, std::string& 
   return true;
 }
 
-// The path spelled exactly as given, when it exists and no link lies on the way (a link as
-// last component only for NoFollow): one kernel walk that refuses links instead of a look-up
-// per component. False sends the caller to that walk, which also finds the reason.
-bool ResolvesExactly(const std::string& root, const std::deque<std::string>& parts,
-                     LastLink last, std::string& host) {
-#ifdef SYS_openat2
-  std::string path = root;
-  for (const auto& p : parts) {
-    if (p == ".") return false;  // "file\." is no folder: the walk says so
-    path += "/" + p;
+// root/parts[0..n) as a host path; false when a part is "." ("file\." is no folder, which
+// only the walk below tells).
+bool ExactPath(const std::string& root, const std::deque<std::string>& parts, size_t n,
+               std::string& path) {
+  if (n == 0) return false;
+  path = root;
+  for (size_t i = 0; i < n; ++i) {
+    if (parts[i] == ".") return false;
+    path += "/" + parts[i];
   }
-  if (path == root) return false;
+  return true;
+}
+
+// True when `path` exists spelled exactly so and no link lies on the way (a link as last
+// component only with O_NOFOLLOW in `flags`): one kernel walk that refuses links instead of
+// a look-up per component. False sends the caller to that walk, which also finds the reason.
+bool WalksExactly(const std::string& path, uint64_t flags) {
+#ifdef SYS_openat2
   open_how how{};
-  how.flags = O_PATH | O_CLOEXEC | (last == LastLink::NoFollow ? O_NOFOLLOW : 0);
+  how.flags = O_PATH | O_CLOEXEC | flags;
   how.resolve = RESOLVE_NO_SYMLINKS;
   int fd = static_cast<int>(syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how));
   if (fd < 0) return false;
   close(fd);
-  host = std::move(path);
   return true;
 #else
-  (void)root, (void)parts, (void)last, (void)host;
+  (void)path, (void)flags;
   return false;
 #endif
 }
@@ -123,8 +128,20 @@ uint32_t DriveMap::Resolve(const String& path, LastLink last, bool allowMissingL
   SplitInto(rest, '/', pending);
   for (const auto& p : pending)
     if (p == "..") return ERROR_INVALID_NAME;
-  if (ResolvesExactly(root, pending, last, host)) return ERROR_SUCCESS;
+  std::string exact;
+  if (ExactPath(root, pending, pending.size(), exact) &&
+      WalksExactly(exact, last == LastLink::NoFollow ? O_NOFOLLOW : 0)) {
+    host = std::move(exact);
+    return ERROR_SUCCESS;
+  }
   std::vector<std::string> done;
+  // The folder may still be spelled exactly (a name to create, another case): then only the
+  // last name needs the walk.
+  if (pending.size() > 1 && ExactPath(root, pending, pending.size() - 1, exact) &&
+      WalksExactly(exact, O_DIRECTORY)) {
+    done.assign(pending.begin(), pending.end() - 1);
+    pending.erase(pending.begin(), pending.end() - 1);
+  }
   while (!pending.empty()) {
     std::string part = pending.front();
     pending.pop_front();
