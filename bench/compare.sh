@@ -5,18 +5,23 @@
 #   cleaning that tree against find -delete and shred -n 1 -u;
 #   shredding large files (10 x 20 MiB) against shred -n 1 -u;
 #   peak memory of counting and cleaning, for 100,000 files against 1,000.
-# Every row is the median of RUNS runs with the smallest and largest beside it; the ratio is
+# Rows are medians of RUNS runs with the smallest and largest beside them; the ratio is
 # engine / other. Data lives in a temporary folder under build-bench/ and is removed after.
-# Usage: bench/compare.sh [RUNS]    (RUNS defaults to 3; TC_BENCH_SETUP=0 skips tools/setup.sh)
+# Usage: bench/compare.sh [RUNS]    (RUNS defaults to 3)
+#   TC_BENCH_SETUP=0 skips tools/setup.sh; TC_BENCH_TREE_RUNS (default 1) repeats the clean
+#   of the whole tree, whose making alone takes half a minute where a file costs 0.3 ms.
 set -euo pipefail
 export LC_ALL=C  # '.' as decimal point in EPOCHREALTIME and awk
 
 runs=${1:-3}
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=$root/build-bench
+tree_runs=${TC_BENCH_TREE_RUNS:-1}
+count_runs=$((runs < 5 ? 5 : runs))       # counting is cheap: more runs
 folders=100 files=1000 filesize=1024      # the cache-like tree
+part=10                                   # folders of the part of it cleaned RUNS times
 bigfiles=10 bigsize=$((20 << 20))         # the large files
-durable=100                               # files of the sample cleaned with real flushes
+durable=300                               # files of the sample cleaned with real flushes
 
 log() { printf '%s\n' "$*" >&2; }
 
@@ -66,7 +71,7 @@ engine_shred() { "$driver" clean "$image" "$wintree" flat zeros; }
 shred_big() { shred -n 1 -u "$tree"/*; }
 shred_big_zeros() { shred -n 0 -z -u "$tree"/*; }
 
-log "== counting $((folders * files)) files ($runs runs)"
+log "== counting $((folders * files)) files ($count_runs runs)"
 fresh_tree "$folders" "$files" "$filesize"
 expected=$((folders * files))
 peer=""
@@ -86,7 +91,7 @@ if command -v bleachbit >/dev/null; then
 XML
 fi
 find_count >/dev/null; engine_count >/dev/null  # warm the cache for both alike
-for ((r = 0; r < runs; r++)); do
+for ((r = 0; r < count_runs; r++)); do
   timed count/find find_count
   [ "$(cat "$out")" = "$expected" ] || { log "find counted $(cat "$out")"; exit 1; }
   timed count/engine engine_count
@@ -98,21 +103,29 @@ for ((r = 0; r < runs; r++)); do
   fi
 done
 
-# Cleaning the tree. Each clean is flushed to the disk as the engine and shred ask; on a disk
-# where a flush costs milliseconds that alone would take hours for 100,000 files, so the
-# whole tree runs with the flushes elided (eatmydata) for every contender alike, and a
-# sample of $durable files runs with real flushes.
-log "== cleaning the tree, flushes elided ($runs runs)"
-nosync=eatmydata
-for ((r = 0; r < runs; r++)); do
-  for who in engine_clean find_delete shred_tree; do
-    fresh_tree "$folders" "$files" "$filesize"
-    timed "clean/$who" "$who"
-    rss=$(sed -n 's/.*maxrss_kib=//p' "$out"); [ -n "$rss" ] && rss_clean_big=$rss
-    expect_empty "$who"
-    settle
+# Cleaning. Each clean is flushed to the disk as the engine and shred ask; on a disk where a
+# flush costs milliseconds that alone would take hours for 100,000 files, so the tree is
+# cleaned with the flushes elided (eatmydata) for every contender alike, and a sample of
+# $durable files with real flushes. Each tree is on the disk (synced) before it is cleaned,
+# as a real cache is.
+clean_rounds() {  # clean_rounds KEY FOLDERS ROUNDS
+  local r who rss
+  for ((r = 0; r < $3; r++)); do
+    for who in engine_clean find_delete shred_tree; do
+      fresh_tree "$2" "$files" "$filesize"
+      timed "$1/$who" "$who"
+      rss=$(sed -n 's/.*maxrss_kib=//p' "$out")
+      if [ -n "$rss" ] && [ "$2" = "$folders" ]; then rss_clean_big=$rss; fi
+      expect_empty "$who"
+      settle
+    done
   done
-done
+}
+nosync=eatmydata
+log "== cleaning the tree, flushes elided ($tree_runs runs)"
+clean_rounds clean "$folders" "$tree_runs"
+log "== cleaning $part of its folders, flushes elided ($runs runs)"
+clean_rounds part "$part" "$runs"
 
 log "== cleaning $durable files with real flushes ($runs runs)"
 nosync=""
@@ -149,7 +162,8 @@ row() {  # row JOB OTHER ENGINEKEY OTHERKEY
     "$em" "$emin" "$emax" "$om" "$omin" "$omax" "$(awk -v a="$em" -v b="$om" 'BEGIN { print a / b }')"
 }
 echo
-echo "Machine: $(nproc) cores, $(uname -r), load $(cut -d' ' -f1-3 /proc/loadavg); $runs runs per row."
+echo "Machine: $(nproc) cores, $(uname -r), load $(cut -d' ' -f1-3 /proc/loadavg)."
+echo "Runs per row: counting $count_runs, the whole tree's clean $tree_runs, the others $runs."
 echo
 echo "| job | other | engine s, median (min-max) | other s, median (min-max) | engine/other |"
 echo "|---|---|---|---|---|"
@@ -157,6 +171,8 @@ row "count $expected files" "find -type f \| wc -l" count/engine count/find
 [ -n "$peer" ] && row "count $expected files" "bleachbit --preview" count/engine count/bleachbit
 row "clean $expected files, flushes elided" "find -delete" clean/engine_clean clean/find_delete
 row "clean $expected files, flushes elided" "shred -n 1 -u" clean/engine_clean clean/shred_tree
+row "clean $((part * files)) files, flushes elided" "find -delete" part/engine_clean part/find_delete
+row "clean $((part * files)) files, flushes elided" "shred -n 1 -u" part/engine_clean part/shred_tree
 row "clean $durable files, real flushes" "find -delete" durable/engine_clean durable/find_delete
 row "clean $durable files, real flushes" "shred -n 1 -u" durable/engine_clean durable/shred_tree
 row "shred $bigfiles x $((bigsize >> 20)) MiB" "shred -n 1 -u" big/engine_shred big/shred_big
