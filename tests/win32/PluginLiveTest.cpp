@@ -1,6 +1,8 @@
 // A declarative plug-in on the live registry: scan, fix and clean of a numbered list.
-#include "LiveFixture.h"
+#include <algorithm>
+
 #include "engine/TC_BasePlugin.h"
+#include "LiveFixture.h"  // last: it brings <windows.h>
 
 namespace tc {
 namespace {

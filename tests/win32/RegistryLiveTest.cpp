@@ -40,21 +40,5 @@ TEST_F(RegistryLive, SubKeysComeInUpperCasedOrder) {
   EXPECT_EQ((StringList{u"A", u"a1", u"b", u"[q", u"_x"}), names);
 }
 
-TEST_F(RegistryLive, SixtyFourBitViewIsTheProcessView) {
-  SetString(u"v", u"64");
-  RegValue v;
-  EXPECT_EQ(0u, Reg().QueryValue(kHKEY_CURRENT_USER, key_, u"v", v, RegView::Key64));
-  EXPECT_EQ(0u, Reg().KeyExists(kHKEY_LOCAL_MACHINE, u"SOFTWARE\\Microsoft", RegView::Native));
-}
-
-TEST_F(RegistryLive, DeletingATreeRemovesEveryLevel) {
-  ASSERT_EQ(0u, Reg().CreateKey(kHKEY_CURRENT_USER, key_ + u"\\a\\b\\c", RegView::Default));
-  ASSERT_EQ(0u, Reg().CreateKey(kHKEY_CURRENT_USER, key_ + u"\\a\\d", RegView::Default));
-  EXPECT_EQ(0u, Reg().DeleteKeyTree(kHKEY_CURRENT_USER, key_ + u"\\a", RegView::Default));
-  EXPECT_EQ(uint32_t{ERROR_FILE_NOT_FOUND},
-            Reg().KeyExists(kHKEY_CURRENT_USER, key_ + u"\\a", RegView::Default));
-  EXPECT_EQ(0u, Reg().KeyExists(kHKEY_CURRENT_USER, key_, RegView::Default));
-}
-
 }  // namespace
 }  // namespace tc

@@ -1,8 +1,8 @@
 // The smaller services against the live system: timers, event logs, recycle bin, shell
-// folders, Protected Storage, URL history, settings and ini files.
-#include "LiveFixture.h"
+// folders, Protected Storage, URL history and product settings.
 #include "platform/RegistryProductSettings.h"
 #include "platform/win32/Win32ProtectedStorage.h"
+#include "LiveFixture.h"  // last: it brings <windows.h>
 
 #include <shellapi.h>
 
@@ -10,18 +10,6 @@ namespace tc {
 namespace {
 
 using ServicesLive = LiveTest;
-
-std::string ReadAll(IFileSystem& fs, const String& path) {
-  std::unique_ptr<IFileHandle> f;
-  if (fs.Open(path, OpenMode::Read, f)) return {};
-  uint64_t size = 0;
-  f->GetSize(size);
-  std::string s(size, '\0');
-  size_t done = 0;
-  f->Read(0, s.data(), s.size(), done);
-  s.resize(done);
-  return s;
-}
 
 TEST_F(ServicesLive, TimersFireOnlyFromTheMessageLoopOncePerCall) {
   IUserInterface& ui = *platform_->UI;
@@ -112,24 +100,6 @@ TEST_F(ServicesLive, ProductSettingsLiveInTheProductsKey) {
   RegValue v;
   EXPECT_EQ(0u, Reg().QueryValue(kHKEY_CURRENT_USER, key, host, v, RegView::Default));
   Reg().DeleteValue(kHKEY_CURRENT_USER, key, host, RegView::Default);
-}
-
-TEST_F(ServicesLive, IniFilesKeepOtherLines) {
-  const String path = WriteFile(u"app.ini", "; note\r\n[Recent]\r\nFile1=a\r\nFile2=b\r\n[Other]\r\nx=1\r\n");
-  IIniFiles& ini = *platform_->IniFiles;
-  EXPECT_EQ(u"a", ini.ReadString(path, u"recent", u"FILE1", u"-"));
-  EXPECT_EQ(u"-", ini.ReadString(path, u"Recent", u"File9", u"-"));
-  StringList names;
-  ASSERT_EQ(0u, ini.ReadSections(path, names));
-  EXPECT_EQ((StringList{u"Recent", u"Other"}), names);
-  ASSERT_EQ(0u, ini.ReadKeys(path, u"Recent", names));
-  EXPECT_EQ((StringList{u"File1", u"File2"}), names);
-  ASSERT_EQ(0u, ini.DeleteKey(path, u"Recent", u"File1"));
-  ASSERT_EQ(0u, ini.WriteString(path, u"Other", u"y", u"2"));
-  const std::string text = ReadAll(Files(), path);
-  EXPECT_NE(std::string::npos, text.find("; note"));
-  EXPECT_EQ(std::string::npos, text.find("File1"));
-  EXPECT_NE(std::string::npos, text.find("y=2"));
 }
 
 }  // namespace
