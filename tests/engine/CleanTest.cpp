@@ -120,7 +120,7 @@ TEST_F(CleanTest, NumberedNamesAndKeysGoEvenWithEmptyData) {
 TEST_F(CleanTest, StringValueIsShreddedBeforeDeletion) {
   SetString(kKey, u"Recent", u"hello");
   SetString(kKey, u"Empty", u"");
-  auto spy = SpyOnRegistry();
+  RecordRegistryWrites();
   TestPlugin p(u"TTCPShredValue");
   p.AddTraceLocation(TLT_Registry_StringValue,
                      new TLD_Registry_StringValue(HKEY_CURRENT_USER, kKey, u"Recent", u"", 0),
@@ -131,7 +131,7 @@ TEST_F(CleanTest, StringValueIsShreddedBeforeDeletion) {
   p.Clean();
   StringList expected(10, u"Recent=00000");
   expected.push_back(u"delete Recent");
-  EXPECT_EQ(spy->log, expected);  // the empty value is left alone by the cleaner
+  EXPECT_EQ(RegistryWrites(), expected);  // the empty value is left alone by the cleaner
   EXPECT_EQ(ValueNames(kKey), StringList{u"Empty"});
 }
 

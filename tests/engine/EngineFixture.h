@@ -54,49 +54,12 @@ inline Bytes MultiBytes(const StringList& lines) {
   return b;
 }
 
-// Records every registry write and delete, then passes it on.
-class SpyRegistry : public IRegistry {
- public:
-  explicit SpyRegistry(std::shared_ptr<IRegistry> inner) : inner_(std::move(inner)) {}
-  StringList log;
-
-  uint32_t KeyExists(HKEY r, const String& k, RegView v) override { return inner_->KeyExists(r, k, v); }
-  uint32_t CreateKey(HKEY r, const String& k, RegView v) override { return inner_->CreateKey(r, k, v); }
-  uint32_t EnumKeys(HKEY r, const String& k, StringList& n, RegView v) override {
-    return inner_->EnumKeys(r, k, n, v);
-  }
-  uint32_t EnumValues(HKEY r, const String& k, std::vector<RegNamedValue>& n, RegView v) override {
-    return inner_->EnumValues(r, k, n, v);
-  }
-  uint32_t QueryValue(HKEY r, const String& k, const String& n, RegValue& val, RegView v) override {
-    return inner_->QueryValue(r, k, n, val, v);
-  }
-  uint32_t SetValue(HKEY r, const String& k, const String& n, const RegValue& val,
-                    RegView v) override {
-    String text = FromUtf16LE(val.Data.data(), val.Data.size());
-    if (!text.empty() && text.back() == u'\0') text.pop_back();
-    log.push_back(n + u"=" + text);
-    return inner_->SetValue(r, k, n, val, v);
-  }
-  uint32_t DeleteValue(HKEY r, const String& k, const String& n, RegView v) override {
-    log.push_back(u"delete " + n);
-    return inner_->DeleteValue(r, k, n, v);
-  }
-  uint32_t DeleteKeyTree(HKEY r, const String& k, RegView v) override {
-    log.push_back(u"delete key " + k);
-    return inner_->DeleteKeyTree(r, k, v);
-  }
-  uint32_t Flush() override { return inner_->Flush(); }
-
- private:
-  std::shared_ptr<IRegistry> inner_;
-};
-
 class EngineFixture : public ::testing::Test {
  protected:
   void SetUp() override {
     StopWorking = false;
-    SetServices(MakeMemoryPlatform());
+    platform_ = MakeMemoryPlatform();
+    SetServices(platform_);
     Initialize();
   }
   void TearDown() override {
@@ -105,15 +68,27 @@ class EngineFixture : public ::testing::Test {
     StopWorking = false;
   }
 
+  std::shared_ptr<Platform> platform_;
+
   void AdvanceClock(uint64_t ms) {
     auto clock = std::dynamic_pointer_cast<ManualClock>(Services().Clock);
     ASSERT_TRUE(clock) << "the memory platform's clock is driven by hand";
     clock->Advance(ms);
   }
-  std::shared_ptr<SpyRegistry> SpyOnRegistry() {
-    auto spy = std::make_shared<SpyRegistry>(Services().Registry);
-    Services().Registry = spy;
-    return spy;
+  // From now on, every registry write as "name=text" or "delete name".
+  void RecordRegistryWrites() { MemoryOf(platform_).Registry->RecordWrites(true); }
+  StringList RegistryWrites() {
+    StringList log;
+    for (const auto& w : MemoryOf(platform_).Registry->Writes()) {
+      if (w.What != RegWrite::Kind::SetValue) {
+        log.push_back(u"delete " + w.Name);
+        continue;
+      }
+      String text = FromUtf16LE(w.Value.Data.data(), w.Value.Data.size());
+      if (!text.empty() && text.back() == u'\0') text.pop_back();
+      log.push_back(w.Name + u"=" + text);
+    }
+    return log;
   }
 
   static void SetString(const String& key, const String& name, const String& value) {
