@@ -5,59 +5,11 @@
 namespace tc {
 namespace {
 
-// Passes everything on; counts probes of PowerArchiver keys, and can drop a key once its
-// last value is deleted, as a backend that prunes emptied keys would.
-class ProbingRegistry : public IRegistry {
- public:
-  explicit ProbingRegistry(std::shared_ptr<IRegistry> inner) : inner_(std::move(inner)) {}
-  int powerArchiverProbes = 0;
-  bool dropEmptiedKeys = false;
-
-  uint32_t KeyExists(HKEY r, const String& k, RegView v) override {
-    if (SameText(k.substr(0, 22), u"Software\\PowerArchiver")) ++powerArchiverProbes;
-    return inner_->KeyExists(r, k, v);
-  }
-  uint32_t CreateKey(HKEY r, const String& k, RegView v) override { return inner_->CreateKey(r, k, v); }
-  uint32_t EnumKeys(HKEY r, const String& k, StringList& n, RegView v) override {
-    return inner_->EnumKeys(r, k, n, v);
-  }
-  uint32_t EnumValues(HKEY r, const String& k, std::vector<RegNamedValue>& n, RegView v) override {
-    return inner_->EnumValues(r, k, n, v);
-  }
-  uint32_t QueryValue(HKEY r, const String& k, const String& n, RegValue& val, RegView v) override {
-    return inner_->QueryValue(r, k, n, val, v);
-  }
-  uint32_t SetValue(HKEY r, const String& k, const String& n, const RegValue& val, RegView v) override {
-    return inner_->SetValue(r, k, n, val, v);
-  }
-  uint32_t DeleteValue(HKEY r, const String& k, const String& n, RegView v) override {
-    uint32_t rc = inner_->DeleteValue(r, k, n, v);
-    std::vector<RegNamedValue> rest;
-    StringList subs;
-    if (dropEmptiedKeys && inner_->EnumValues(r, k, rest, v) == ERROR_SUCCESS && rest.empty() &&
-        inner_->EnumKeys(r, k, subs, v) == ERROR_SUCCESS && subs.empty())
-      inner_->DeleteKeyTree(r, k, v);
-    return rc;
-  }
-  uint32_t DeleteKeyTree(HKEY r, const String& k, RegView v) override { return inner_->DeleteKeyTree(r, k, v); }
-  uint32_t Flush() override { return inner_->Flush(); }
-
- private:
-  std::shared_ptr<IRegistry> inner_;
-};
-
-class ArchiverTest : public AppPluginFixture {
- public:
-  std::shared_ptr<ProbingRegistry> Probe() {
-    auto probe = std::make_shared<ProbingRegistry>(mem.Platform->Registry);
-    mem.Platform->Registry = probe;
-    return probe;
-  }
-};
-
 const String kWinRAR = u"Software\\WinRAR\\";
 
-TEST_F(ArchiverTest, CatalogueAndWinRARAbsent) {
+class ArchiverTest : public AppPluginFixture {};
+
+TEST_F(ArchiverTest, Catalogue) {
   Start();
   ExpectCatalogue(
       {{u"WinRARRecentArchives", u"WinRAR", u"Liste der zuletzt geöffneten Archive", 7000},
@@ -68,62 +20,50 @@ TEST_F(ArchiverTest, CatalogueAndWinRARAbsent) {
        {u"PowerArcRecentArchives", u"PowerArchiver 9", u"Liste der zuletzt verwendeten Archive", 7002},
        {u"PowerArcRecentFolders", u"PowerArchiver 9", u"Liste der zuletzt verwendeten Ordner", 7002},
        {u"WinAceLastOpenArchives", u"WinAce", u"Liste der zuletzt verwendeten Archive", 7003}},
-      rsTCPSection_Archiver);
-  for (const char16_t* id : {u"WinRARRecentArchives", u"WinRARRecentFolders", u"WinRARCreatedArchives",
-                             u"WinZipRecentArchives", u"WinZipTargetFolders", u"WinAceLastOpenArchives"}) {
-    EXPECT_FALSE(Plugin(id).Active) << ToUtf8(id);
-    EXPECT_FALSE(Plugin(id).DeactivateIfAbsent) << ToUtf8(id);
-  }
-  EXPECT_TRUE(Plugin(u"PowerArcRecentArchives").Active);
+      rsTCPSection_Archiver, {u"PowerArcRecentArchives", u"PowerArcRecentFolders"});
 }
 
 TEST_F(ArchiverTest, WinRARAndWinZipListsAreRemovedAndTheRestKept) {
-  for (const char16_t* n : {u"0", u"1", u"2"}) Str(HKEY_CURRENT_USER, kWinRAR + u"ArcHistory", n, u"C:\\a.rar");
-  Str(HKEY_CURRENT_USER, kWinRAR + u"DialogEditHistory\\ExtrPath", u"0", u"C:\\Entpackt");
-  Str(HKEY_CURRENT_USER, kWinRAR + u"DialogEditHistory\\ExtrPath", u"1", u"D:\\Temp");
-  Str(HKEY_CURRENT_USER, kWinRAR + u"DialogEditHistory\\ArcName", u"0", u"backup.rar");
-  Str(HKEY_CURRENT_USER, kWinRAR + u"General", u"LastFolder", u"C:\\Downloads");
-  Str(HKEY_CURRENT_USER, kWinRAR + u"General", u"Toolbar", u"kept");
+  const HKEY cu = HKEY_CURRENT_USER;
+  Strs(cu, kWinRAR + u"ArcHistory", {{u"0", u"C:\\a.rar"}, {u"1", u"C:\\b.rar"}, {u"2", u"C:\\c"}});
+  Strs(cu, kWinRAR + u"DialogEditHistory\\ExtrPath", {{u"0", u"C:\\Ziel"}, {u"1", u"D:\\Temp"}});
+  Str(cu, kWinRAR + u"DialogEditHistory\\ArcName", u"0", u"backup.rar");
+  Strs(cu, kWinRAR + u"General", {{u"LastFolder", u"C:\\Downloads"}, {u"Toolbar", u"kept"}});
   const String winzip = u"Software\\Nico Mak Computing\\WinZip\\";
-  for (const char16_t* n : {u"filemenu1", u"filemenu2", u"filemenu3"})
-    Str(HKEY_CURRENT_USER, winzip + u"filemenu", n, u"C:\\b.zip");
-  Str(HKEY_CURRENT_USER, winzip + u"extract", u"extract1", u"C:\\Ziel");
-  Str(HKEY_CURRENT_USER, winzip + u"WinIni", u"Wizard", u"0");
+  Strs(cu, winzip + u"filemenu",
+       {{u"filemenu1", u"C:\\b.zip"}, {u"filemenu2", u"C:\\c.zip"}, {u"filemenu3", u"C:\\d.zip"}});
+  Str(cu, winzip + u"extract", u"extract1", u"C:\\Ziel");
+  Str(cu, winzip + u"WinIni", u"Wizard", u"0");
   Start();
 
   const std::pair<const char16_t*, int> counts[] = {
       {u"WinRARRecentArchives", 3}, {u"WinRARRecentFolders", 3}, {u"WinRARCreatedArchives", 1},
       {u"WinZipRecentArchives", 3}, {u"WinZipTargetFolders", 1}};
-  auto before = Snapshot();
   for (auto [id, n] : counts) {
     EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
-    EXPECT_EQ(ScanCount(id), n) << ToUtf8(id);
-    CleanAndFix(id);
-    EXPECT_EQ(ScanCount(id), 0) << ToUtf8(id);
+    EXPECT_EQ(Scan(id), n) << ToUtf8(id);
   }
-  auto [lost, gained] = Diff(before, Snapshot());
+  auto [lost, gained] = CleanAndDiff({u"WinRARRecentArchives", u"WinRARRecentFolders",
+                                      u"WinRARCreatedArchives", u"WinZipRecentArchives",
+                                      u"WinZipTargetFolders"});
+  for (auto [id, n] : counts) EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
   EXPECT_EQ(lost.size(), 3u + 3u + 1u + 3u + 1u);
   for (const auto& l : lost) EXPECT_EQ(l.find(u"kept"), String::npos) << ToUtf8(l);
   EXPECT_TRUE(gained.empty());
 }
 
 TEST_F(ArchiverTest, WinRARHistoryKeyIsPutBackWhenTheCleanTookItAway) {
-  const struct {
-    bool hadKey;
-    bool keyAfter;
-  } cases[] = {{true, true}, {false, false}};
-  for (const auto& c : cases) {
+  for (bool hadKey : {true, false}) {
     Reset();
     Str(HKEY_CURRENT_USER, kWinRAR + u"General", u"Toolbar", u"x");
-    if (c.hadKey) Str(HKEY_CURRENT_USER, kWinRAR + u"ArcHistory", u"0", u"C:\\a.rar");
-    auto probe = Probe();
-    probe->dropEmptiedKeys = true;
+    if (hadKey) Str(HKEY_CURRENT_USER, kWinRAR + u"ArcHistory", u"0", u"C:\\a.rar");
+    Spy()->dropEmptiedKeys = true;
     Start();
-    CleanAndFix(u"WinRARRecentArchives");
-    EXPECT_EQ(mem.Registry->HasKey(HKEY_CURRENT_USER, kWinRAR + u"ArcHistory"), c.keyAfter);
-    if (c.keyAfter) {
-      EXPECT_EQ(mem.Registry->ValueNames(HKEY_CURRENT_USER, kWinRAR + u"ArcHistory"), StringList{u""});
-      EXPECT_EQ(ScanCount(u"WinRARRecentArchives"), 0);  // the repair adds no entry
+    CleanAndFix({u"WinRARRecentArchives"});
+    EXPECT_EQ(mem.Registry->HasKey(HKEY_CURRENT_USER, kWinRAR + u"ArcHistory"), hadKey);
+    if (hadKey) {
+      EXPECT_EQ(Names(kWinRAR + u"ArcHistory"), StringList{u""});
+      EXPECT_EQ(Scan(u"WinRARRecentArchives"), 0);  // the repair adds no entry
     }
   }
 }
@@ -132,7 +72,7 @@ TEST_F(ArchiverTest, PowerArchiverKeyIsWorkedOutAfreshForEachLocation) {
   const struct {
     std::vector<const char16_t*> keys;
     const char16_t* expected;
-    int probes;  // six locations, each trying the keys anew
+    long probes;  // six locations, each trying the keys anew
   } cases[] = {{{u"PowerArchiver"}, u"Software\\PowerArchiver", 6 * 1},
                {{u"PowerArchiverFR"}, u"Software\\PowerArchiverFR", 6 * 3},
                {{u"PowerArchiverRU", u"PowerArchiverPL"}, u"Software\\PowerArchiverPL", 6 * 5},
@@ -140,52 +80,48 @@ TEST_F(ArchiverTest, PowerArchiverKeyIsWorkedOutAfreshForEachLocation) {
   for (const auto& c : cases) {
     Reset();
     for (const char16_t* k : c.keys) mem.Registry->CreateKey(HKEY_CURRENT_USER, String(u"Software\\") + k, RegView::Default);
-    auto probe = Probe();
+    auto spy = Spy();
     Start();
-    EXPECT_EQ(probe->powerArchiverProbes, c.probes) << ToUtf8(c.expected);
+    auto isPowerArchiver = [](const String& k) {
+      return SameText(k.substr(0, 22), u"Software\\PowerArchiver");
+    };
+    EXPECT_EQ(std::count_if(spy->asked.begin(), spy->asked.end(), isPowerArchiver), c.probes)
+        << ToUtf8(c.expected);
     EXPECT_EQ(PowerArchiverKey(), String(c.expected));
   }
 }
 
 TEST_F(ArchiverTest, PowerArchiverListsUnderTheFrenchKeyAreEmptied) {
   const String files = u"Software\\PowerArchiverFR\\Files";
-  Str(HKEY_CURRENT_USER, files, u"Active_File1", u"C:\\a.zip");
-  Str(HKEY_CURRENT_USER, files, u"Active_File2", u"C:\\b.7z");
-  Str(HKEY_CURRENT_USER, files, u"Extract1", u"C:\\Ziel");
-  Str(HKEY_CURRENT_USER, files, u"SelDir1", u"C:\\Quelle");
-  for (const char16_t* n : {u"Last open dir", u"Last add dir", u"Add from folder"})
-    Str(HKEY_CURRENT_USER, files, n, u"C:\\Ordner");
-  Str(HKEY_CURRENT_USER, files, u"Language", u"FR");
+  Strs(HKEY_CURRENT_USER, files,
+       {{u"Active_File1", u"C:\\a.zip"}, {u"Active_File2", u"C:\\b.7z"}, {u"Extract1", u"C:\\Ziel"},
+        {u"SelDir1", u"C:\\Quelle"}, {u"Last open dir", u"C:\\Ordner"},
+        {u"Last add dir", u"C:\\Ordner"}, {u"Add from folder", u"C:\\O"}, {u"Language", u"FR"}});
   Start();
-  EXPECT_EQ(ScanCount(u"PowerArcRecentArchives"), 2);
-  EXPECT_EQ(ScanCount(u"PowerArcRecentFolders"), 1 + 1 + 3);
-  CleanAndFix(u"PowerArcRecentArchives");
-  CleanAndFix(u"PowerArcRecentFolders");
-  for (const auto& name : mem.Registry->ValueNames(HKEY_CURRENT_USER, files))
+  EXPECT_EQ(Scan(u"PowerArcRecentArchives"), 2);
+  EXPECT_EQ(Scan(u"PowerArcRecentFolders"), 1 + 1 + 3);
+  CleanAndFix({u"PowerArcRecentArchives", u"PowerArcRecentFolders"});
+  for (const auto& name : Names(files))
     EXPECT_EQ(mem.Registry->GetString(HKEY_CURRENT_USER, files, name), name == u"Language" ? u"FR" : u"")
         << ToUtf8(name);
-  EXPECT_EQ(mem.Registry->ValueNames(HKEY_CURRENT_USER, files).size(), 8u);  // emptied, not deleted
+  EXPECT_EQ(Names(files).size(), 8u);  // emptied, not deleted
 }
 
 TEST_F(ArchiverTest, WinAceIsActiveWhenItsRecordedPathExists) {
+  const String exe = u"C:\\Program Files\\WinAce\\winace.exe";
   const struct {
-    const char16_t* path;
-    bool fileThere, active;
-    int locations;
-  } cases[] = {{u"", false, false, 0},
-               {u"C:\\Program Files\\WinAce\\winace.exe", true, true, 2},
-               {u"C:\\Program Files\\WinAce\\winace.exe", false, false, 2}};
+    bool recorded, fileThere, active;
+  } cases[] = {{false, false, false}, {true, true, true}, {true, false, false}};
   for (const auto& c : cases) {
     Reset();
-    if (*c.path) Str(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce", u"Path", c.path);
-    if (c.fileThere) File(c.path);
+    if (c.recorded) Str(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce", u"Path", exe);
+    if (c.fileThere) File(exe);
     Str(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce\\2.0\\Favorites", u"H1", u"C:\\a.ace");
-    Str(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce\\2.0\\MRU Items", u"F1", u"C:\\b.ace");
-    Str(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce\\2.0\\MRU Items", u"F2", u"C:\\c.ace");
+    Strs(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce\\2.0\\MRU Items",
+         {{u"F1", u"C:\\b.ace"}, {u"F2", u"C:\\c.ace"}});
     Start();
-    EXPECT_EQ(Plugin(u"WinAceLastOpenArchives").Active, c.active) << ToUtf8(c.path);
-    EXPECT_EQ(Plugin(u"WinAceLastOpenArchives").GetTraceLocationCount(), c.locations);
-    EXPECT_EQ(ScanCount(u"WinAceLastOpenArchives"), c.locations ? 3 : 0);
+    EXPECT_EQ(Plugin(u"WinAceLastOpenArchives").Active, c.active) << c.recorded << c.fileThere;
+    EXPECT_EQ(Scan(u"WinAceLastOpenArchives"), c.recorded ? 3 : 0);
   }
 }
 

@@ -42,25 +42,12 @@ TEST_F(FileSharingTest, CatalogueInStartupOrder) {
        // The two WarezP2P captions stand crossed over on purpose.
        {u"WarezP2PSearchlist", u"WarezP2P 2", u"Liste der zuletzt heruntergeladenen Dateien", 8007},
        {u"WarezP2PVerlauf", u"WarezP2P 2", u"Liste der zuletzt eingegebenen Suchbegriffe", 8007}},
-      rsTCPSection_FileSharing);
+      rsTCPSection_FileSharing, {});
   // The units start in their fixed order: Office, players, archivers, file sharing.
   EXPECT_EQ(OrderOf({u"EMuleDownloadMRU", u"MSOfficeWord", u"WinRARRecentArchives",
                      u"QuickTimeRecentMovies"}),
             (StringList{u"MSOfficeWord", u"QuickTimeRecentMovies", u"WinRARRecentArchives",
                         u"EMuleDownloadMRU"}));
-}
-
-TEST_F(FileSharingTest, AbsentClientsStartInactiveWithoutLocations) {
-  Start();
-  for (const char16_t* id :
-       {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics", u"EDonkey2000DownloadMRU",
-        u"KazaaDownloadDB", u"KazaaPlaylists", u"KazaaLiteDownloadDB", u"BitTorrentHistory",
-        u"WinMXLogfiles", u"WarezP2PSearchlist", u"WarezP2PVerlauf"}) {
-    EXPECT_FALSE(Plugin(id).Active) << ToUtf8(id);
-    EXPECT_EQ(Plugin(id).GetTraceLocationCount(), 0) << ToUtf8(id);
-  }
-  for (const char16_t* id : {u"AzureusStatistics", u"KazaaSearchMRU", u"AresSearchlist"})
-    EXPECT_FALSE(Plugin(id).Active) << ToUtf8(id);
 }
 
 TEST_F(FileSharingTest, ClientFoldersAreFound) {
@@ -138,43 +125,35 @@ TEST_F(FileSharingTest, SearchStringsCountNonBlankLines) {
     EXPECT_EQ(CountSearchStringLines(cases[i].first), cases[i].second) << "case " << i;
 }
 
-TEST_F(FileSharingTest, EMuleTracesAreCountedAndRemovedLeavingTheRest) {
+TEST_F(FileSharingTest, EMuleAndEDonkeyTracesAreCountedAndRemovedLeavingTheRest) {
   InstallEMule();
-  File(kEMule + u"downloads.txt");
-  File(kEMule + u"downloads.txt.bak");
+  Files(kEMule, {u"downloads.txt", u"downloads.txt.bak", u"config\\statistics.ini",
+                 u"config\\preferences.ini", u"Incoming\\film.avi"});
   File(kEMule + u"config\\known.met", std::string(600, '\x0e'));
   ASSERT_EQ(mem.Files->AddFile(kEMule + u"config\\AC_SearchStrings.dat",
                                Utf16File(u"alpha\r\n\r\n  \r\nbeta\r\n")),
             ERROR_SUCCESS);
-  File(kEMule + u"config\\statistics.ini");
-  File(kEMule + u"config\\preferences.ini");
-  File(kEMule + u"Incoming\\film.avi");
+  const String donkey = u"C:\\eDonkey2000\\";
+  Files(donkey, {u"edonkey2000.exe", u"known.met.bak"});
+  File(donkey + u"known.met", std::string(100, 'k'));
+  Str(HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation", donkey);
   Start();
 
-  EXPECT_EQ(ScanCount(u"EMuleDownloadMRU"), 2 + 2);
-  EXPECT_EQ(ReportedNames(), (StringList{kEMule + u"downloads.txt", kEMule + u"downloads.txt.bak"}));
-  EXPECT_EQ(ScanCount(u"EMuleSearchMRU"), 2);
-  EXPECT_EQ(ScanCount(u"EMuleStatistics"), 1);
+  EXPECT_EQ(Scan(u"EMuleDownloadMRU"), 2 + 2);
+  EXPECT_EQ(FoundNames(), (StringList{kEMule + u"downloads.txt", kEMule + u"downloads.txt.bak"}));
+  EXPECT_EQ(Scan(u"EMuleSearchMRU"), 2);
+  EXPECT_EQ(Scan(u"EMuleStatistics"), 1);
+  EXPECT_EQ(Scan(u"EDonkey2000DownloadMRU"), 1 + 1);
 
-  for (const char16_t* id : {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics"}) {
-    CleanAndFix(id);
-    EXPECT_EQ(ScanCount(id), 0) << ToUtf8(id);
+  for (const char16_t* id :
+       {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics", u"EDonkey2000DownloadMRU"}) {
+    CleanAndFix({id});
+    EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
   }
   EXPECT_EQ(mem.Files->Names(kEMule), (StringList{u"config", u"emule.exe", u"Incoming"}));
   EXPECT_EQ(mem.Files->Names(kEMule + u"config"), StringList{u"preferences.ini"});
   EXPECT_TRUE(Exists(kEMule + u"Incoming\\film.avi"));
-}
-
-TEST_F(FileSharingTest, EDonkeyKnownMetAndItsBackup) {
-  const String folder = u"C:\\eDonkey2000\\";
-  File(folder + u"edonkey2000.exe");
-  Str(HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation", folder);
-  File(folder + u"known.met", std::string(100, 'k'));
-  File(folder + u"known.met.bak");
-  Start();
-  EXPECT_EQ(ScanCount(u"EDonkey2000DownloadMRU"), 1 + 1);
-  CleanAndFix(u"EDonkey2000DownloadMRU");
-  EXPECT_EQ(mem.Files->Names(folder), StringList{u"edonkey2000.exe"});
+  EXPECT_EQ(mem.Files->Names(donkey), StringList{u"edonkey2000.exe"});
 }
 
 TEST_F(FileSharingTest, KazaaLiteFlagChoosesTheDownloadDatabasePlugin) {
@@ -189,35 +168,26 @@ TEST_F(FileSharingTest, KazaaLiteFlagChoosesTheDownloadDatabasePlugin) {
     if (*c.databaseDir) Str(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Kazaa\\LocalContent", u"DatabaseDir", c.databaseDir);
     Start();
     EXPECT_EQ(Plugin(u"KazaaDownloadDB").Active, c.kazaa) << ToUtf8(c.databaseDir);
-    EXPECT_EQ(Plugin(u"KazaaDownloadDB").GetTraceLocationCount(), c.kazaa ? 1 : 0);
     EXPECT_EQ(Plugin(u"KazaaLiteDownloadDB").Active, c.lite) << ToUtf8(c.databaseDir);
-    EXPECT_EQ(Plugin(u"KazaaLiteDownloadDB").GetTraceLocationCount(), c.lite ? 1 : 0);
   }
 }
 
 TEST_F(FileSharingTest, KazaaTracesAreCleanedAndNothingElse) {
-  const String content = u"SOFTWARE\\Kazaa\\LocalContent";
-  Str(HKEY_LOCAL_MACHINE, content, u"DatabaseDir", u"C:\\Kazaa\\db");
-  Str(HKEY_LOCAL_MACHINE, content, u"DownloadDir", u"C:\\Kazaa\\My Shared Folder");
-  File(u"C:\\Kazaa\\db\\data256.dbb");
-  File(u"C:\\Kazaa\\db\\desktop.ini");
-  File(u"C:\\Kazaa\\My Shared Folder\\mix.kpl");
-  File(u"C:\\Kazaa\\My Shared Folder\\song.mp3");
+  Strs(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Kazaa\\LocalContent",
+       {{u"DatabaseDir", u"C:\\Kazaa\\db"}, {u"DownloadDir", u"C:\\Kazaa\\My Shared Folder"}});
+  Files(u"C:\\Kazaa\\db\\", {u"data256.dbb", u"desktop.ini"});
+  Files(u"C:\\Kazaa\\My Shared Folder\\", {u"mix.kpl", u"song.mp3"});
   const String search = u"Software\\Kazaa\\Search";
-  Str(HKEY_CURRENT_USER, search, u"1", u"first");
-  Str(HKEY_CURRENT_USER, search, u"2", u"second");
-  Str(HKEY_CURRENT_USER, search, u"3", u"");
-  Str(HKEY_CURRENT_USER, search, u"LastSearch", u"kept");
+  Strs(HKEY_CURRENT_USER, search,
+       {{u"1", u"first"}, {u"2", u"second"}, {u"3", u""}, {u"LastSearch", u"kept"}});
   Start();
 
   EXPECT_TRUE(Plugin(u"KazaaSearchMRU").Active);
-  EXPECT_EQ(ScanCount(u"KazaaSearchMRU"), 2);
-  EXPECT_EQ(ScanCount(u"KazaaDownloadDB"), 1);
-  EXPECT_EQ(ScanCount(u"KazaaPlaylists"), 1);
+  EXPECT_EQ(Scan(u"KazaaSearchMRU"), 2);
+  EXPECT_EQ(Scan(u"KazaaDownloadDB"), 1);
+  EXPECT_EQ(Scan(u"KazaaPlaylists"), 1);
 
-  auto before = Snapshot();
-  for (const char16_t* id : {u"KazaaSearchMRU", u"KazaaDownloadDB", u"KazaaPlaylists"}) CleanAndFix(id);
-  auto [lost, gained] = Diff(before, Snapshot());
+  auto [lost, gained] = CleanAndDiff({u"KazaaSearchMRU", u"KazaaDownloadDB", u"KazaaPlaylists"});
   EXPECT_EQ(lost, (std::set<String>{u"HKCU\\" + search + u"[1]=first", u"HKCU\\" + search + u"[2]=second",
                                     u"HKCU\\" + search + u"[3]="}));
   EXPECT_TRUE(gained.empty());
@@ -227,23 +197,21 @@ TEST_F(FileSharingTest, KazaaTracesAreCleanedAndNothingElse) {
 
 TEST_F(FileSharingTest, RegistrySearchListsCountEmptyValues) {
   // Ares by its key; WarezP2P by its program folder, named by a quoted uninstall command.
-  Str(HKEY_CURRENT_USER, u"Software\\Ares\\Search.History\\gen.gen", u"6D7573696B", u"x");
-  Str(HKEY_CURRENT_USER, u"Software\\Ares\\Search.History\\gen.gen", u"66696C6D", u"");
+  Strs(HKEY_CURRENT_USER, u"Software\\Ares\\Search.History\\gen.gen",
+       {{u"6D7573696B", u"x"}, {u"66696C6D", u""}});
   Str(HKEY_CURRENT_USER, u"Software\\Ares", u"Stats.Uploads", u"12");
   Str(HKEY_LOCAL_MACHINE, kUninstall + u"Warez P2P Client", u"UninstallString",
       u"\"C:\\Program Files\\Warez\\uninstall.exe\"");
-  File(u"C:\\Program Files\\Warez\\uninstall.exe");
+  Files(u"C:\\Program Files\\Warez\\",
+        {u"uninstall.exe", u"Data\\history.dat", u"Data\\shares.txt"});
   Str(HKEY_CURRENT_USER, u"Software\\Warez\\Search.History\\gen.gen", u"a", u"b");
-  File(u"C:\\Program Files\\Warez\\Data\\history.dat");
-  File(u"C:\\Program Files\\Warez\\Data\\shares.txt");
   Start();
 
-  EXPECT_EQ(ScanCount(u"AresSearchlist"), 2);
-  EXPECT_EQ(ScanCount(u"WarezP2PSearchlist"), 1);
-  EXPECT_EQ(ScanCount(u"WarezP2PVerlauf"), 1);
-  auto before = Snapshot();
-  for (const char16_t* id : {u"AresSearchlist", u"WarezP2PSearchlist", u"WarezP2PVerlauf"}) CleanAndFix(id);
-  auto [lost, gained] = Diff(before, Snapshot());
+  EXPECT_EQ(Scan(u"AresSearchlist"), 2);
+  EXPECT_EQ(Scan(u"WarezP2PSearchlist"), 1);
+  EXPECT_EQ(Scan(u"WarezP2PVerlauf"), 1);
+  auto [lost, gained] =
+      CleanAndDiff({u"AresSearchlist", u"WarezP2PSearchlist", u"WarezP2PVerlauf"});
   EXPECT_EQ(lost.size(), 3u);
   for (const auto& l : lost) EXPECT_NE(l.find(u"Search.History\\gen.gen["), String::npos) << ToUtf8(l);
   EXPECT_TRUE(gained.empty());
@@ -253,25 +221,21 @@ TEST_F(FileSharingTest, RegistrySearchListsCountEmptyValues) {
 TEST_F(FileSharingTest, FoldersFromUninstallCommandsAndAzureus) {
   Str(HKEY_LOCAL_MACHINE, kUninstall + u"WinMX", u"UninstallString",
       u"C:\\Program Files\\WinMX\\uninst.exe");
-  File(u"C:\\Program Files\\WinMX\\WinMX.exe");
-  File(u"C:\\Program Files\\WinMX\\chat.log");
-  File(u"C:\\Program Files\\WinMX\\transfer.log");
+  Files(u"C:\\Program Files\\WinMX\\", {u"WinMX.exe", u"chat.log", u"transfer.log"});
   Str(HKEY_LOCAL_MACHINE, kUninstall + u"BitTorrent++", u"UninstallString",
       u"\"C:\\Program Files\\BitTorrent++\\uninst.exe\" /S");
-  File(u"C:\\Program Files\\BitTorrent++\\History\\1.txt");
-  File(u"C:\\Program Files\\BitTorrent++\\History\\2.txt");
+  Files(u"C:\\Program Files\\BitTorrent++\\History\\", {u"1.txt", u"2.txt"});
   Str(HKEY_CURRENT_USER, u"Software\\Azureus", u"", u"C:\\Program Files\\Azureus");
   mem.Files->AddFolder(u"C:\\Program Files\\Azureus");
-  File(kAppData + u"Azureus\\azureus.statistics");
-  File(kAppData + u"Azureus\\azureus.config");
+  Files(kAppData + u"Azureus\\", {u"azureus.statistics", u"azureus.config"});
   Start();
 
-  EXPECT_EQ(ScanCount(u"WinMXLogfiles"), 2);
-  EXPECT_EQ(ScanCount(u"BitTorrentHistory"), 2);
+  EXPECT_EQ(Scan(u"WinMXLogfiles"), 2);
+  EXPECT_EQ(Scan(u"BitTorrentHistory"), 2);
   EXPECT_TRUE(Plugin(u"AzureusStatistics").Active);
-  EXPECT_EQ(ScanCount(u"AzureusStatistics"), 1);
-  EXPECT_EQ(ReportedNames(), StringList{kAppData + u"Azureus\\azureus.statistics"});
-  for (const char16_t* id : {u"WinMXLogfiles", u"BitTorrentHistory", u"AzureusStatistics"}) CleanAndFix(id);
+  EXPECT_EQ(Scan(u"AzureusStatistics"), 1);
+  EXPECT_EQ(FoundNames(), StringList{kAppData + u"Azureus\\azureus.statistics"});
+  CleanAndFix({u"WinMXLogfiles", u"BitTorrentHistory", u"AzureusStatistics"});
   EXPECT_EQ(mem.Files->Names(u"C:\\Program Files\\WinMX"), StringList{u"WinMX.exe"});
   EXPECT_TRUE(mem.Files->Names(u"C:\\Program Files\\BitTorrent++\\History").empty());
   EXPECT_EQ(mem.Files->Names(kAppData + u"Azureus"), StringList{u"azureus.config"});

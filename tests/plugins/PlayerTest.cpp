@@ -9,7 +9,7 @@ const String kWinamp = u"C:\\Program Files\\Winamp\\";
 
 class PlayerTest : public AppPluginFixture {};
 
-TEST_F(PlayerTest, CatalogueAndStartFlags) {
+TEST_F(PlayerTest, Catalogue) {
   Start();
   ExpectCatalogue(
       {{u"QuickTimeRecentMovies", u"QuickTime", u"Liste der zuletzt abgespielte Videos", 3000},
@@ -19,15 +19,8 @@ TEST_F(PlayerTest, CatalogueAndStartFlags) {
        {u"WinampDefaultPlaylist", u"Winamp", u"Standard-Wiedergabeliste", 3001},
        {u"WinampRecentFolder", u"Winamp", u"Zuletzt verwendeter Ordner", 3001},
        {u"WMPlayerRecentFiles", u"Windows Media Player", u"Liste der zuletzt geöffneten Medien", 3003}},
-      rsTCPSection_Player);
-  const std::tuple<const char16_t*, bool, bool> rows[] = {
-      {u"QuickTimeRecentMovies", true, true}, {u"RealPlayerRecentFiles", true, true},
-      {u"WinampRecentURLs", false, true},     {u"WinampDefaultPlaylist", false, true},
-      {u"WinampRecentFolder", false, true},   {u"WMPlayerRecentFiles", true, false}};
-  for (auto [id, active, deactivate] : rows) {
-    EXPECT_EQ(Plugin(id).Active, active) << ToUtf8(id);
-    EXPECT_EQ(Plugin(id).DeactivateIfAbsent, deactivate) << ToUtf8(id);
-  }
+      rsTCPSection_Player,
+      {u"QuickTimeRecentMovies", u"RealPlayerRecentFiles", u"WMPlayerRecentFiles"});
 }
 
 TEST_F(PlayerTest, WinampFolderNeedsItsIniFile) {
@@ -59,11 +52,10 @@ TEST_F(PlayerTest, WinampClearsOnlyTheFirstSixteenRecentURLs) {
   Start();
   const String file = kWinamp + u"Winamp.ini";
 
-  EXPECT_EQ(ScanCount(u"WinampRecentURLs"), 16);
-  EXPECT_EQ(ScanCount(u"WinampRecentFolder"), 1);
-  EXPECT_EQ(ScanCount(u"WinampDefaultPlaylist"), 1);
-  for (const char16_t* id : {u"WinampRecentURLs", u"WinampRecentFolder", u"WinampDefaultPlaylist"})
-    CleanAndFix(id);
+  EXPECT_EQ(Scan(u"WinampRecentURLs"), 16);
+  EXPECT_EQ(Scan(u"WinampRecentFolder"), 1);
+  EXPECT_EQ(Scan(u"WinampDefaultPlaylist"), 1);
+  CleanAndFix({u"WinampRecentURLs", u"WinampRecentFolder", u"WinampDefaultPlaylist"});
   for (int n = 1; n <= 20; ++n)
     EXPECT_EQ(GetPPString(u"Winamp", u"RecentURL" + FromUtf8(std::to_string(n)), u"-", file),
               n <= 16 ? u"" : u"http://radio.example/" + FromUtf8(std::to_string(n)))
@@ -72,33 +64,31 @@ TEST_F(PlayerTest, WinampClearsOnlyTheFirstSixteenRecentURLs) {
   EXPECT_EQ(GetPPString(u"Winamp", u"volume", u"-", file), u"200");
   EXPECT_EQ(GetPPString(u"Other", u"RecentURL1", u"-", file), u"kept");
   EXPECT_EQ(mem.Files->Names(kWinamp), (StringList{u"winamp.exe", u"Winamp.ini"}));
-  EXPECT_EQ(ScanCount(u"WinampRecentURLs"), 0);
+  EXPECT_EQ(Scan(u"WinampRecentURLs"), 0);
 }
 
 TEST_F(PlayerTest, RegistryListsAndRealPlayerFiles) {
   const String qt = u"SOFTWARE\\Apple Computer, Inc.\\QuickTime\\Recent Movies";
   Str(HKEY_LOCAL_MACHINE, qt, u"1", u"C:\\Filme\\a.mov");
-  Str(HKEY_CURRENT_USER, qt, u"1", u"C:\\Filme\\b.mov");
-  Str(HKEY_CURRENT_USER, qt, u"2", u"C:\\Filme\\c.mov");
+  Strs(HKEY_CURRENT_USER, qt, {{u"1", u"C:\\Filme\\b.mov"}, {u"2", u"C:\\Filme\\c.mov"}});
   const String prefs = u"Software\\RealNetworks\\RealPlayer\\6.0\\Preferences";
   Str(HKEY_CURRENT_USER, prefs + u"\\MostRecentClips1", u"", u"http://media.example/1.rm");
   Str(HKEY_CURRENT_USER, prefs + u"\\MostRecentClips2", u"", u"C:\\Musik\\2.ra");
   Str(HKEY_CURRENT_USER, prefs + u"\\Volume", u"", u"80");
   const String real = kAppData + u"Real\\RealPlayer\\";
-  for (const char16_t* f : {u"cookies.txt", u"urls.ini", u"prefs.xml", u"History\\h1.rpl"}) File(real + f);
+  Files(real, {u"cookies.txt", u"urls.ini", u"prefs.xml", u"History\\h1.rpl"});
   const String wmp = u"Software\\Microsoft\\MediaPlayer\\Player\\RecentFileList";
-  for (const char16_t* n : {u"File0", u"File1", u"File2"}) Str(HKEY_CURRENT_USER, wmp, n, u"C:\\x.wma");
+  Strs(HKEY_CURRENT_USER, wmp,
+       {{u"File0", u"C:\\x.wma"}, {u"File1", u"C:\\y.wma"}, {u"File2", u"C:\\z.wma"}});
   Start();
 
-  EXPECT_EQ(ScanCount(u"QuickTimeRecentMovies"), 3);
-  EXPECT_EQ(ScanCount(u"RealPlayerRecentFiles"), 2 + 2 + 1);
-  EXPECT_EQ(ScanCount(u"WMPlayerRecentFiles"), 3);
-  EXPECT_EQ(ReportedNames(), (StringList{u"File0", u"File1", u"File2"}));
+  EXPECT_EQ(Scan(u"QuickTimeRecentMovies"), 3);
+  EXPECT_EQ(Scan(u"RealPlayerRecentFiles"), 2 + 2 + 1);
+  EXPECT_EQ(Scan(u"WMPlayerRecentFiles"), 3);
+  EXPECT_EQ(FoundNames(), (StringList{u"File0", u"File1", u"File2"}));
 
-  auto before = Snapshot();
-  for (const char16_t* id : {u"QuickTimeRecentMovies", u"RealPlayerRecentFiles", u"WMPlayerRecentFiles"})
-    CleanAndFix(id);
-  auto [lost, gained] = Diff(before, Snapshot());
+  auto [lost, gained] =
+      CleanAndDiff({u"QuickTimeRecentMovies", u"RealPlayerRecentFiles", u"WMPlayerRecentFiles"});
   EXPECT_EQ(lost.size(), 3u + 4u + 3u);  // QuickTime values, RealPlayer keys and their data, WMP
   EXPECT_TRUE(gained.empty());
   EXPECT_EQ(mem.Registry->KeyNames(HKEY_CURRENT_USER, prefs), StringList{u"Volume"});

@@ -2,7 +2,7 @@
 // removes and what Fix repairs.
 #include <functional>
 
-#include "WindowsFixture.h"
+#include "AppPluginFixture.h"
 #include "plugins/TCP_WindowsExplorer.h"
 
 namespace tc {
@@ -27,10 +27,26 @@ String V(const String& key, const String& name, const String& data) {
   return u"HKCU\\" + key + u"[" + name + u"]=" + data;
 }
 
-class WindowsExplorerTest : public WindowsFixture {};
+class WindowsExplorerTest : public AppPluginFixture {
+ public:
+  // UTF-16 text with its terminator followed by some shell-item bytes, as the binary
+  // entries of the recent lists hold it.
+  static Bytes TextItem(const String& text) {
+    Bytes b = ToUtf16LE(text);
+    b.insert(b.end(), {0, 0, 0x14, 0x00, 0x1F, 0x50, 0xE0, 0x4F});
+    return b;
+  }
+  static String Rot13(String s) {
+    for (auto& c : s) {
+      if (c >= u'a' && c <= u'z') c = u'a' + (c - u'a' + 13) % 26;
+      else if (c >= u'A' && c <= u'Z') c = u'A' + (c - u'A' + 13) % 26;
+    }
+    return s;
+  }
+};
 
 TEST_F(WindowsExplorerTest, CatalogueInStartupOrder) {
-  StartPackage();
+  Start();
   ExpectCatalogue(
       {{u"ComDlgOpenSave", u"Datei öffnen-/speichern-Dialoge",
         u"Liste der zuletzt geöffneten und gespeicherten Dateien", 5002},
@@ -46,7 +62,9 @@ TEST_F(WindowsExplorerTest, CatalogueInStartupOrder) {
         5000},
        {u"RecentApps", u"Windows-Explorer",
         u"Liste der häufig verwendeten Anwendungen im Startmenü", 5000}},
-      rsTCPSection_Windows);
+      rsTCPSection_Windows,
+      {u"ComDlgOpenSave", u"ComDlgLastVisited", u"StartMenuRun", u"RecentDocs", u"SearchFiles",
+       u"SearchText", u"NetworkDrives", u"RecentApps"});
   EXPECT_EQ(Plugin(u"StartMenuRun").Description.substr(0, 30),
             u"Der Befehl \"Ausführen\" im Star");
 }
@@ -144,7 +162,7 @@ TEST_F(WindowsExplorerTest, TracesFoundReportedAndCleaned) {
     Reset();
     Str(HKEY_CURRENT_USER, kE + u"Advanced", u"Hidden", u"1");  // a neighbour that stays
     c.seed(*this);
-    StartPackage();
+    Start();
     EXPECT_EQ(Scan(c.id), c.count);
     EXPECT_EQ(FoundNames(), c.reported);
     for (const auto& f : found) {
@@ -152,9 +170,7 @@ TEST_F(WindowsExplorerTest, TracesFoundReportedAndCleaned) {
       EXPECT_EQ(f.Target, c.target);
       EXPECT_EQ(f.Flags, c.flags);
     }
-    auto before = Snapshot();
-    CleanAndFix(c.id);
-    auto [lost, gained] = Diff(before, Snapshot());
+    auto [lost, gained] = CleanAndDiff({c.id});
     EXPECT_EQ(lost, c.lost);
     EXPECT_EQ(gained, c.gained);
     EXPECT_EQ(Scan(c.id), 0);
@@ -168,7 +184,7 @@ TEST_F(WindowsExplorerTest, RecentAppsReportsDecodedProgramsAndNotifiesTheShell)
   Bin(HKEY_CURRENT_USER, kUserAssist, Rot13(u"UEME_RUNPIDL:%csidl2%\\Programs\\Wordpad.lnk"),
       stats);
   Str(HKEY_CURRENT_USER, kE + u"UserAssist\\Settings", u"NoLog", u"0");
-  StartPackage();
+  Start();
 
   EXPECT_EQ(Scan(u"RecentApps"), 3);  // the session counter counts, unreported
   ASSERT_EQ(found.size(), 2u);
@@ -178,7 +194,7 @@ TEST_F(WindowsExplorerTest, RecentAppsReportsDecodedProgramsAndNotifiesTheShell)
   EXPECT_EQ(found[1].Flags, FlagOf(TF_Deletable_Per_Item) | FlagOf(TF_StartMenu_SubFolder));
   EXPECT_EQ(found[1].Target, TTT_UserAssist);
 
-  CleanAndFix(u"RecentApps");
+  CleanAndFix({u"RecentApps"});
   EXPECT_TRUE(Names(kUserAssist).empty());
   EXPECT_TRUE(mem.Registry->HasKey(HKEY_CURRENT_USER, kUserAssist));
   EXPECT_EQ(mem.Registry->GetString(HKEY_CURRENT_USER, kE + u"UserAssist\\Settings", u"NoLog"),
@@ -189,45 +205,10 @@ TEST_F(WindowsExplorerTest, RecentAppsReportsDecodedProgramsAndNotifiesTheShell)
   EXPECT_EQ(mem.Shell->Notifications()[0].Path, u"");
 }
 
-// Both follow-ups run whether or not anything was removed.
-TEST_F(WindowsExplorerTest, CleanFollowUpsRunOnAnEmptyMachine) {
-  StartPackage();
-  EXPECT_FALSE(Plugin(u"StartMenuRun").HostNotice);
-  CleanAndFix(u"StartMenuRun");
-  EXPECT_TRUE(Plugin(u"StartMenuRun").HostNotice);
-  CleanAndFix(u"RecentApps");
-  EXPECT_EQ(mem.Shell->Notifications().size(), 1u);
-  EXPECT_FALSE(Plugin(u"RecentApps").HostNotice);
-}
-
-// After the host removed one entry, Fix rewrites the order string of the lists flagged
-// for it and leaves the others' as they were.
-TEST_F(WindowsExplorerTest, FixRepairsOrderOnlyWhereFlagged) {
-  struct Case {
-    const char16_t* id;
-    String key;
-    String mruAfter;
-  } cases[] = {
-      {u"ComDlgOpenSave", kOpenSave + u"\\txt", u"ca"},
-      {u"ComDlgLastVisited", kLastVisited, u"ca"},
-      {u"StartMenuRun", kRun, u"ca"},
-      {u"NetworkDrives", kNetDrives, u"cba"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(ToUtf8(c.id));
-    Reset();
-    for (const char16_t* n : {u"a", u"b", u"c"}) Str(HKEY_CURRENT_USER, c.key, n, u"x");
-    Str(HKEY_CURRENT_USER, c.key, u"MRUList", u"cba");
-    StartPackage();
-    DeleteRegValue(HKEY_CURRENT_USER, c.key, u"b", RO_None);
-    Plugin(c.id).Fix();
-    EXPECT_EQ(mem.Registry->GetString(HKEY_CURRENT_USER, c.key, u"MRUList"), c.mruAfter);
-  }
-}
-
-// The lists belong to the system: absent, they stay switched on.
-TEST_F(WindowsExplorerTest, NothingPresentKeepsEveryListPluginActive) {
-  StartPackage();
+// The lists belong to the system: absent, they stay switched on. Both clean follow-ups
+// run whether or not anything was removed.
+TEST_F(WindowsExplorerTest, EmptyMachineKeepsEveryListActiveAndRunsTheFollowUps) {
+  Start();
   for (const char16_t* id :
        {u"ComDlgOpenSave", u"ComDlgLastVisited", u"StartMenuRun", u"RecentDocs", u"SearchFiles",
         u"SearchText", u"NetworkDrives", u"RecentApps", u"WordPad", u"MSPaint", u"Regedit",
@@ -235,6 +216,12 @@ TEST_F(WindowsExplorerTest, NothingPresentKeepsEveryListPluginActive) {
     EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
     EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
   }
+  EXPECT_FALSE(Plugin(u"StartMenuRun").HostNotice);
+  CleanAndFix({u"StartMenuRun"});
+  EXPECT_TRUE(Plugin(u"StartMenuRun").HostNotice);
+  CleanAndFix({u"RecentApps"});
+  EXPECT_EQ(mem.Shell->Notifications().size(), 1u);
+  EXPECT_FALSE(Plugin(u"RecentApps").HostNotice);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // System stores: recycle bin, paging files, event logs.
-#include "WindowsFixture.h"
+#include "AppPluginFixture.h"
 #include "plugins/TCP_Windows.h"
 
 namespace tc {
@@ -10,7 +10,7 @@ const String kBin = u"C:\\$Recycle.Bin\\" + kSid + u"\\";
 const String kMemMgmt =
     u"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Memory Management";
 
-class WindowsTest : public WindowsFixture {
+class WindowsTest : public AppPluginFixture {
  protected:
   StringList PendingDeletes() {
     StringList paths;
@@ -35,7 +35,7 @@ class HugeRecycleBin : public IRecycleBin {
 };
 
 TEST_F(WindowsTest, CatalogueAndStartupOrderOfTheWindowsUnits) {
-  StartPackage();
+  Start();
   ExpectCatalogue({{u"RecycleBin", u"Papierkorb", u"Elemente im Papierkorb", 4000},
                    {u"PagingFile", u"Auslagerungsdateien", u"Inhalt der Auslagerungsdateien", 4001},
                    {u"WindowsEventApps", u"Windows Ereignisanzeige",
@@ -45,32 +45,23 @@ TEST_F(WindowsTest, CatalogueAndStartupOrderOfTheWindowsUnits) {
                     u"Liste der Sicherheitsrelevante Ereignisse", 4002},
                    {u"WindowsEventSystem", u"Windows Ereignisanzeige",
                     u"Liste der Systemereignisse", 4002}},
-                  rsTCPSection_Windows);
+                  rsTCPSection_Windows,
+                  {u"RecycleBin", u"PagingFile", u"WindowsEventApps", u"WindowsEventSecurity",
+                   u"WindowsEventSystem"});
   EXPECT_EQ(OrderOf({u"WordPad", u"RecentApps", u"WindowsEventSystem", u"ComDlgOpenSave",
                      u"RecycleBin", u"MovieMakerMRU"}),
             (StringList{u"RecycleBin", u"WindowsEventSystem", u"ComDlgOpenSave", u"RecentApps",
                         u"WordPad", u"MovieMakerMRU"}));
-  for (const char16_t* id : {u"RecycleBin", u"PagingFile", u"WindowsEventApps",
-                             u"WindowsEventSecurity", u"WindowsEventSystem"}) {
-    EXPECT_EQ(Plugin(id).GetTraceLocationCount(), 0) << ToUtf8(id);
-    EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
-  }
-  EXPECT_TRUE(Plugin(u"RecycleBin").DeactivateIfAbsent);
-  EXPECT_TRUE(Plugin(u"PagingFile").DeactivateIfAbsent);
-  EXPECT_FALSE(Plugin(u"WindowsEventSecurity").DeactivateIfAbsent);
 }
 
 TEST_F(WindowsTest, RecycleBinCountsItemsAndEmptiesTheBins) {
-  File(kBin + u"$RAB12CD.doc", "Kontoauszug");
-  File(kBin + u"$IAB12CD.doc", "index");
-  File(kBin + u"$R9XY000\\a.txt", "a");
-  File(kBin + u"$R9XY000\\b.txt", "b");
-  File(kBin + u"$I9XY000", "index");
+  Files(kBin,
+        {u"$RAB12CD.doc", u"$IAB12CD.doc", u"$R9XY000\\a.txt", u"$R9XY000\\b.txt", u"$I9XY000"});
   File(u"C:\\Users\\Tester\\Documents\\bleibt.doc");
-  StartPackage();
+  Start();
   EXPECT_EQ(Scan(u"RecycleBin"), 2);  // a folder is one item
   EXPECT_TRUE(found.empty());
-  CleanAndFix(u"RecycleBin");
+  CleanAndFix({u"RecycleBin"});
   EXPECT_EQ(mem.Files->Names(kBin), (StringList{u"desktop.ini"}));
   EXPECT_TRUE(Exists(u"C:\\Users\\Tester\\Documents\\bleibt.doc"));
   EXPECT_EQ(Scan(u"RecycleBin"), 0);
@@ -78,10 +69,10 @@ TEST_F(WindowsTest, RecycleBinCountsItemsAndEmptiesTheBins) {
 }
 
 TEST_F(WindowsTest, RecycleBinEmptiedWhateverTheCount) {
-  StartPackage();
+  Start();
   auto bin = std::make_shared<HugeRecycleBin>();
   mem.Platform->RecycleBin = bin;
-  CleanAndFix(u"RecycleBin");  // never scanned: the count is 0
+  CleanAndFix({u"RecycleBin"});  // never scanned: the count is 0
   EXPECT_EQ(bin->emptied, 1);
   EXPECT_EQ(Scan(u"RecycleBin"), 5);  // the low 32 bits of the item count
 }
@@ -105,15 +96,13 @@ TEST_F(WindowsTest, PagingFilesCountedByPathAndOnlyScheduled) {
     if (c.lines.empty()) File(u"C:\\pagefile.sys");
     else mem.Registry->PutMultiString(HKEY_LOCAL_MACHINE, kMemMgmt, u"PagingFiles", c.lines);
     for (const auto& f : c.files) File(f, "seiten");
-    StartPackage();
+    Start();
     EXPECT_EQ(Scan(u"PagingFile"), c.count);
-    auto before = Snapshot();
-    CleanAndFix(u"PagingFile");
+    auto [lost, gained] = CleanAndDiff({u"PagingFile"});
     EXPECT_EQ(Plugin(u"PagingFile").RebootRequired, c.count > 0);
     EXPECT_EQ(PendingDeletes(), c.files);
     for (const auto& f : c.files) EXPECT_TRUE(Exists(f)) << ToUtf8(f);
     // Nothing in the hives changes but the pending operations.
-    auto [lost, gained] = Diff(before, Snapshot());
     for (const auto& line : lost) ADD_FAILURE() << "lost " << ToUtf8(line);
     for (const auto& line : gained)
       EXPECT_NE(line.find(u"[PendingFileRenameOperations]"), String::npos) << ToUtf8(line);
@@ -141,11 +130,11 @@ TEST_F(WindowsTest, EventLogsByPosition) {
     for (const char16_t* name : {u"Application", u"Security", u"System"})
       mem.EventLogs->RemoveLog(name);
     for (const auto& [name, records] : c.logs) mem.EventLogs->SetLog(name, records);
-    StartPackage();
+    Start();
     EXPECT_EQ(Scan(ids[0]), c.apps);
     EXPECT_EQ(Scan(ids[1]), c.security);
     EXPECT_EQ(Scan(ids[2]), c.system);
-    for (const char16_t* id : ids) CleanAndFix(id);
+    CleanAndFix({ids[0], ids[1], ids[2]});
     std::vector<uint32_t> after;
     for (const auto& [name, records] : c.logs) after.push_back(mem.EventLogs->Records(name));
     EXPECT_EQ(after, c.afterClean);
@@ -156,16 +145,16 @@ TEST_F(WindowsTest, EventLogFailuresStayInside) {
   mem.EventLogs->SetLog(u"Security", 9);
   mem.EventLogs->SetLog(u"System", 4);
   mem.EventLogs->SetAccessError(u"Security");
-  StartPackage();
+  Start();
   EXPECT_EQ(Scan(u"WindowsEventSecurity"), 0);
-  CleanAndFix(u"WindowsEventSecurity");
+  CleanAndFix({u"WindowsEventSecurity"});
   EXPECT_EQ(mem.EventLogs->Records(u"Security"), 9u);
   EXPECT_TRUE(Plugin(u"WindowsEventSecurity").Active);
 
   // An image without event logs: nothing counted, nothing cleaned.
   mem.EventLogs->SetUnavailable();
   EXPECT_EQ(Scan(u"WindowsEventSystem"), 0);
-  CleanAndFix(u"WindowsEventSystem");
+  CleanAndFix({u"WindowsEventSystem"});
   mem.EventLogs->SetUnavailable(0);
   EXPECT_EQ(mem.EventLogs->Records(u"System"), 4u);
 }

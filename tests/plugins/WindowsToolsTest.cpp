@@ -1,7 +1,7 @@
 // Accessory recent lists: WordPad, Paint, Registry Editor, Remote Desktop, Movie Maker.
 #include <functional>
 
-#include "WindowsFixture.h"
+#include "AppPluginFixture.h"
 #include "plugins/TCP_WindowsTools.h"
 
 namespace tc {
@@ -14,10 +14,10 @@ const String kRegedit = kApplets + u"Regedit";
 const String kTermSrv = u"Software\\Microsoft\\Terminal Server Client\\Default";
 const String kMovieMaker = u"Software\\Microsoft\\MM20\\Recent Document List";
 
-class WindowsToolsTest : public WindowsFixture {};
+class WindowsToolsTest : public AppPluginFixture {};
 
 TEST_F(WindowsToolsTest, CatalogueInStartupOrder) {
-  StartPackage();
+  Start();
   ExpectCatalogue(
       {{u"WordPad", u"Microsoft WordPad", u"Liste der zuletzt verwendeten Dokumente", 6000},
        {u"MSPaint", u"Microsoft Paint", u"Liste der zuletzt verwendeten Grafiken", 6001},
@@ -26,7 +26,8 @@ TEST_F(WindowsToolsTest, CatalogueInStartupOrder) {
         6003},
        {u"MovieMakerMRU", u"Windows Movie Maker", u"Liste der zuletzt geöffneten Projekte",
         6004}},
-      rsTCPSection_WindowsTools);
+      rsTCPSection_WindowsTools,
+      {u"WordPad", u"MSPaint", u"Regedit", u"TermSrvClient", u"MovieMakerMRU"});
   // The Movie Maker text ends without a full stop.
   const String& mm = Plugin(u"MovieMakerMRU").Description;
   EXPECT_EQ(mm.substr(mm.size() - 21), u"Movie Maker Projekten");
@@ -64,7 +65,7 @@ TEST_F(WindowsToolsTest, TracesFoundReportedAndCleaned) {
     Reset();
     for (const auto& [name, data] : c.values) Str(HKEY_CURRENT_USER, c.key, name, data);
     Str(HKEY_CURRENT_USER, kApplets + u"Wordpad\\Options", u"Wrap", u"1");
-    StartPackage();
+    Start();
     EXPECT_EQ(Scan(c.id), c.count);
     EXPECT_EQ(FoundNames(), c.reported);
     for (const auto& f : found) {
@@ -72,56 +73,13 @@ TEST_F(WindowsToolsTest, TracesFoundReportedAndCleaned) {
       EXPECT_EQ(f.Flags, c.flags);
       EXPECT_EQ(f.Key, c.key);
     }
-    auto before = Snapshot();
-    CleanAndFix(c.id);
+    auto [lost, gained] = CleanAndDiff({c.id});
     EXPECT_EQ(Names(c.key), c.left);
     // Only values of the list's own key went.
-    auto [lost, gained] = Diff(before, Snapshot());
     EXPECT_TRUE(gained.empty());
     for (const auto& line : lost) EXPECT_EQ(line.rfind(u"HKCU\\" + c.key + u"[", 0), 0u) << ToUtf8(line);
   }
 }
-
-// The host removed one entry; Fix closes the gap only where the list is flagged for it.
-TEST_F(WindowsToolsTest, FixRenumbersOnlyTheFlaggedLists) {
-  struct Case {
-    const char16_t* id;
-    String key;
-    String prefix;
-    StringList after;
-  } cases[] = {
-      {u"WordPad", kWordPad, u"File", {u"File1", u"File2"}},
-      {u"MSPaint", kPaint, u"File", {u"File1", u"File2"}},
-      {u"TermSrvClient", kTermSrv, u"MRU", {u"MRU2", u"MRU3"}},
-      {u"MovieMakerMRU", kMovieMaker, u"Document", {u"Document2", u"Document3"}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(ToUtf8(c.id));
-    Reset();
-    for (const char16_t* n : {u"1", u"2", u"3"}) Str(HKEY_CURRENT_USER, c.key, c.prefix + n, n);
-    StartPackage();
-    DeleteRegValue(HKEY_CURRENT_USER, c.key, c.prefix + u"1", RO_None);
-    Plugin(c.id).Fix();
-    EXPECT_EQ(Names(c.key), c.after);
-  }
-  EXPECT_EQ(mem.Registry->GetString(HKEY_CURRENT_USER, kMovieMaker, u"Document2"), u"2");
-}
-
-// A registry that answers "no such key" for one root itself and notes what was asked.
-class RootlessRegistry : public FaultyRegistry {
- public:
-  RootlessRegistry(std::shared_ptr<IRegistry> inner, HKEY missing)
-      : FaultyRegistry(std::move(inner)), missing_(missing) {}
-  uint32_t KeyExists(HKEY root, const String& key, RegView view) override {
-    asked.push_back(key);
-    if (root == missing_ && key.empty()) return ERROR_FILE_NOT_FOUND;
-    return FaultyRegistry::KeyExists(root, key, view);
-  }
-  StringList asked;
-
- private:
-  HKEY missing_;
-};
 
 // Movie Maker's start-up test asks about HKEY_CURRENT_USER itself, not its own list key:
 // the answer for the root decides, whether or not the list exists.
@@ -135,10 +93,9 @@ TEST_F(WindowsToolsTest, MovieMakerActiveFollowsTheRootNotItsKey) {
     SCOPED_TRACE(std::to_string(c.listPresent) + "/" + std::to_string(c.rootAnswers));
     Reset();
     if (c.listPresent) Str(HKEY_CURRENT_USER, kMovieMaker, u"Document1", u"x");
-    auto reg = std::make_shared<RootlessRegistry>(mem.Registry,
-                                                  c.rootAnswers ? HKEY_USERS : HKEY_CURRENT_USER);
-    mem.Platform->Registry = reg;
-    StartPackage();
+    auto reg = Spy();
+    if (!c.rootAnswers) reg->missingRoot = HKEY_CURRENT_USER;
+    Start();
     EXPECT_EQ(Plugin(u"MovieMakerMRU").Active, c.active);
     EXPECT_NE(std::find(reg->asked.begin(), reg->asked.end(), u""), reg->asked.end());
     EXPECT_EQ(std::find(reg->asked.begin(), reg->asked.end(), kMovieMaker), reg->asked.end());
