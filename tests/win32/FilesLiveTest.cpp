@@ -1,6 +1,5 @@
-// The file service and the shredder against the live file system and its sharing rules.
+// The shredder against the live file system and its sharing rules.
 #include <algorithm>
-#include <functional>
 
 #include "engine/TC_BasePlugin.h"
 #include "platform/LastError.h"
@@ -27,28 +26,6 @@ class Holder {
 };
 
 bool Exists(const String& path) { return GetFileAttributesW(Wide(path)) != INVALID_FILE_ATTRIBUTES; }
-
-TEST_F(FilesLive, AFileInUseCannotBeChangedOrRemoved) {
-  const String path = WriteFile(u"held.txt", "secret");
-  Holder holder(path);
-  ASSERT_TRUE(holder.Held());
-  const std::pair<const char*, std::function<uint32_t()>> ops[] = {
-      {"remove", [&] { return Files().RemoveFile(path); }},
-      {"rename", [&] { return Files().Rename(path, folder_ + u"\\other.txt"); }},
-      {"open for writing",
-       [&] {
-         std::unique_ptr<IFileHandle> f;
-         return Files().Open(path, OpenMode::ReadWrite, f);
-       }},
-      {"open for reading",
-       [&] {
-         std::unique_ptr<IFileHandle> f;
-         return Files().Open(path, OpenMode::Read, f);
-       }},
-  };
-  for (const auto& [what, op] : ops) EXPECT_EQ(uint32_t{ERROR_SHARING_VIOLATION}, op()) << what;
-  EXPECT_TRUE(Exists(path));
-}
 
 TEST_F(FilesLive, ShreddingAFileInUseSchedulesItForTheNextStart) {
   const String path = WriteFile(u"locked.dat", std::string(5000, 'x'));
