@@ -152,19 +152,6 @@ TEST(OfflineImageTest, ProfileIsTheOnlyOneOrTheNamedOne) {
   EXPECT_NE(std::string::npos, error.find("has no user profile")) << error;
 }
 
-TEST(OfflineImageTest, RefusedUserHiveStopsTheRunAndStaysAsItWas) {
-  test::TempDir dir;
-  test::MakeImage(dir.Path(), "Anna", "Windows Registry Editor Version 5.00\n");
-  fs::path ntuser = dir.Path() / "Users" / "Anna" / "NTUSER.DAT";
-  test::CopyRealHive("USER-win9x.DAT", ntuser);
-  const std::string before = test::ReadBytes(ntuser);
-  std::string error;
-  EXPECT_FALSE(OfflineImage::Open({dir.Str(), {}, ""}, error));
-  EXPECT_NE(std::string::npos, error.find(ntuser.string())) << error;
-  EXPECT_NE(std::string::npos, error.find("Windows 95/98/Me")) << error;
-  EXPECT_EQ(before, test::ReadBytes(ntuser));
-}
-
 TEST(OfflineImageTest, ShellFoldersComeFromTheUsersRegistryThenTheLayout) {
   struct Case {
     bool xp;

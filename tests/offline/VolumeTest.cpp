@@ -1,5 +1,10 @@
+// The offline volume: paths on the host without case, links never passed, and the short
+// cuts (a name-only listing, look-ups that skip the case-insensitive search) answering as
+// the full walk does.
 #include <gtest/gtest.h>
 #include <unistd.h>
+
+#include <algorithm>
 
 #include "OfflineTestSupport.h"
 #include "platform/TextCodec.h"
@@ -16,13 +21,19 @@ class VolumeTest : public ::testing::Test {
     c_ = dir_.Path() / "c";
     outside_ = dir_.Path() / "outside";
     fs::create_directories(c_ / "Users" / "Anna" / "Recent");
+    fs::create_directories(c_ / "Cache" / "Sub");
     fs::create_directories(outside_);
     test::WriteBytes(c_ / "Users" / "Anna" / "Recent" / "Brief.txt.lnk", "link");
+    test::WriteBytes(c_ / "Cache" / "f_01", "data");
+    test::WriteBytes(c_ / "Cache" / "Größe.txt", "");
+    test::WriteBytes(c_ / "Cache" / "0123", "digits");
     test::WriteBytes(outside_ / "secret.txt", "keep me");
     fs::create_symlink(outside_, c_ / "abs-link");
     fs::create_symlink("../../outside", c_ / "Users" / "rel-out");
     fs::create_symlink("Anna/Recent", c_ / "Users" / "inside");
     fs::create_symlink(outside_ / "secret.txt", c_ / "Users" / "Anna" / "secret-link.txt");
+    fs::create_symlink(c_ / "Cache" / "Sub", c_ / "Cache" / "dir-link");
+    fs::create_symlink(c_ / "Cache" / "f_01", c_ / "Cache" / "file-link");  // inside, all the same
     DriveMap drives;
     ASSERT_TRUE(drives.Map(u'C', c_.string()));
     volume_ = std::make_unique<OfflineVolume>(drives);
@@ -38,9 +49,13 @@ TEST_F(VolumeTest, PathsResolveWithoutCaseAndNeverPassALink) {
     uint32_t expected;
   };
   const Case cases[] = {
-      {u"C:\\Users\\Anna\\Recent\\Brief.txt.lnk", ERROR_SUCCESS},
-      {u"c:\\USERS\\anna\\recent\\BRIEF.TXT.LNK", ERROR_SUCCESS},
+      {u"C:\\Users\\Anna\\Recent\\Brief.txt.lnk", ERROR_SUCCESS},  // spelled exactly: one walk
+      {u"c:\\USERS\\anna\\recent\\BRIEF.TXT.LNK", ERROR_SUCCESS},  // another spelling: searched
       {u"C:/Users/Anna/Recent/Brief.txt.lnk", ERROR_SUCCESS},
+      {u"C:\\Cache\\0123", ERROR_SUCCESS},
+      {u"C:\\Cache\\4567", ERROR_FILE_NOT_FOUND},  // no letters: no search needed
+      {u"C:\\Cache\\.\\f_01", ERROR_SUCCESS},
+      {u"C:\\Cache\\f_01\\.", ERROR_PATH_NOT_FOUND},  // a file is no folder
       {u"C:\\Users\\inside\\Brief.txt.lnk", ERROR_ACCESS_DENIED},  // even one inside
       {u"C:\\Users\\Anna\\Recent\\Nothing.lnk", ERROR_FILE_NOT_FOUND},
       {u"C:\\Users\\Nobody\\Recent\\x", ERROR_PATH_NOT_FOUND},
@@ -49,6 +64,8 @@ TEST_F(VolumeTest, PathsResolveWithoutCaseAndNeverPassALink) {
       {u"C:\\Users\\..\\..\\outside\\secret.txt", ERROR_INVALID_NAME},
       {u"C:\\abs-link\\secret.txt", ERROR_ACCESS_DENIED},
       {u"C:\\Users\\rel-out\\secret.txt", ERROR_ACCESS_DENIED},
+      {u"C:\\Cache\\file-link", ERROR_ACCESS_DENIED},
+      {u"C:\\Cache\\dir-link\\x", ERROR_ACCESS_DENIED},
   };
   for (const auto& c : cases) {
     std::unique_ptr<IFileHandle> file;
@@ -62,6 +79,26 @@ TEST_F(VolumeTest, PathsResolveWithoutCaseAndNeverPassALink) {
   EXPECT_EQ(u"Brief.txt.lnk", entries[0].Name);
 }
 
+TEST_F(VolumeTest, NameListingGivesTheNamesAndKindsOfTheFullListing) {
+  // Name with the two bits a name listing must carry, sorted.
+  auto kinds = [](const std::vector<FileInfo>& entries) {
+    std::vector<std::pair<String, uint32_t>> out;
+    for (const auto& e : entries)
+      out.emplace_back(e.Name, e.Attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
+    std::sort(out.begin(), out.end());
+    return out;
+  };
+  for (const char16_t* folder : {u"C:\\Cache", u"c:\\CACHE\\", u"C:\\Cache\\Sub"}) {
+    std::vector<FileInfo> full, names;
+    ASSERT_EQ(ERROR_SUCCESS, volume_->ListFolder(folder, full)) << ToUtf8(folder);
+    ASSERT_EQ(ERROR_SUCCESS, volume_->ListFolderNames(folder, names)) << ToUtf8(folder);
+    EXPECT_EQ(kinds(full), kinds(names)) << ToUtf8(folder);
+  }
+  std::vector<FileInfo> names;
+  EXPECT_EQ(ERROR_PATH_NOT_FOUND, volume_->ListFolderNames(u"C:\\Missing", names));
+  EXPECT_EQ(ERROR_ACCESS_DENIED, volume_->ListFolderNames(u"C:\\Cache\\dir-link", names));
+}
+
 TEST_F(VolumeTest, LinksAreListedAsReparsePointsAndRemovedThemselves) {
   std::vector<FileInfo> entries;
   ASSERT_EQ(0u, volume_->ListFolder(u"C:\\Users", entries));
@@ -72,7 +109,7 @@ TEST_F(VolumeTest, LinksAreListedAsReparsePointsAndRemovedThemselves) {
   EXPECT_FALSE(entries[0].IsReparsePoint());
   FileInfo info;
   ASSERT_EQ(0u, volume_->GetInfo(u"C:\\Users\\Anna\\secret-link.txt", info));
-  EXPECT_TRUE(info.IsReparsePoint());
+  EXPECT_TRUE(info.IsReparsePoint());  // the link itself, not what it points to
   EXPECT_EQ(0u, volume_->RemoveFile(u"C:\\Users\\Anna\\secret-link.txt"));
   EXPECT_EQ(0u, volume_->RemoveFolder(u"C:\\abs-link"));
   EXPECT_EQ("keep me", test::ReadBytes(outside_ / "secret.txt"));
@@ -91,7 +128,7 @@ TEST_F(VolumeTest, FileOpenForWritingIsInUse) {
   EXPECT_FALSE(fs::exists(c_ / "Users" / "Anna" / "Recent" / "Brief.txt.lnk"));
 }
 
-TEST_F(VolumeTest, NewFilesAndFoldersKeepTheirCaseInsideExistingOnes) {
+TEST_F(VolumeTest, NewNamesKeepTheirCaseInsideExistingFolders) {
   ASSERT_EQ(0u, volume_->MakeFolder(u"C:\\USERS\\anna\\AppData\\Local\\Temp"));
   EXPECT_TRUE(fs::is_directory(c_ / "Users" / "Anna" / "AppData" / "Local" / "Temp"));
   std::unique_ptr<IFileHandle> file;
@@ -105,6 +142,9 @@ TEST_F(VolumeTest, NewFilesAndFoldersKeepTheirCaseInsideExistingOnes) {
                                              OpenMode::CreateNew, file));
   EXPECT_EQ(ERROR_ACCESS_DENIED, volume_->MakeFolder(u"C:\\abs-link\\new"));
   EXPECT_FALSE(fs::exists(outside_ / "new"));
+  // The shredder's digit-only names.
+  EXPECT_EQ(ERROR_SUCCESS, volume_->Rename(u"C:\\Cache\\0123", u"C:\\Cache\\9876"));
+  EXPECT_EQ("digits", test::ReadBytes(c_ / "Cache" / "9876"));
 }
 
 }  // namespace
