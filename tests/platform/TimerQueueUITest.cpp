@@ -47,11 +47,6 @@ TEST(TimerQueueUITest, HandlersMayKillTimersAndTheHookRunsFirst) {
   EXPECT_EQ(0, other);
   EXPECT_EQ(0u, ui.ActiveTimers());
   EXPECT_EQ(2u, ui.ProcessCount());
-
-  ui.SetMessageAnswer(7);
-  EXPECT_EQ(7, ui.ShowMessage(u"Text", u"Caption", 4));
-  ASSERT_EQ(1u, ui.Messages().size());
-  EXPECT_EQ(u"Caption", ui.Messages()[0].Caption);
 }
 
 }  // namespace

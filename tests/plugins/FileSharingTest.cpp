@@ -1,6 +1,4 @@
 // File-sharing plug-ins: client discovery, counts, cleaning.
-#include <functional>
-
 #include "AppPluginFixture.h"
 #include "plugins/TCP_FileSharing.h"
 
@@ -51,53 +49,44 @@ TEST_F(FileSharingTest, CatalogueInStartupOrder) {
 }
 
 TEST_F(FileSharingTest, ClientFoldersAreFound) {
-  struct Case {
+  const String ed2k = u"Software\\Classes\\ed2k\\shell\\open\\command";
+  struct Value {
+    HKEY root;
+    String key, name, data;
+  };
+  const struct {
     const char* what;
-    std::function<void(FileSharingTest&)> seed;
+    String program;  // the file that exists
+    std::vector<Value> values;
     String emule, edonkey;
   } cases[] = {
-      {"quoted per-user link handler", [](FileSharingTest& t) { t.InstallEMule(); }, kEMule, u""},
-      {"unquoted machine link handler",
-       [](FileSharingTest& t) {
-         t.File(kEMule + u"emule.exe");
-         t.Str(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Classes\\ed2k\\shell\\open\\command", u"",
-               kEMule + u"emule.exe \"%1\"");
-       },
+      {"quoted per-user link handler", kEMule + u"emule.exe",
+       {{HKEY_CURRENT_USER, ed2k, u"", u"\"" + kEMule + u"emule.exe\" \"%1\""}}, kEMule, u""},
+      {"unquoted machine link handler", kEMule + u"emule.exe",
+       {{HKEY_LOCAL_MACHINE, u"SOFTWARE\\Classes\\ed2k\\shell\\open\\command", u"",
+         kEMule + u"emule.exe \"%1\""}},
        kEMule, u""},
-      {"handler of another client, uninstall location",
-       [](FileSharingTest& t) {
-         t.File(u"C:\\P2P\\other.exe");
-         t.Str(HKEY_CURRENT_USER, u"Software\\Classes\\ed2k\\shell\\open\\command", u"",
-               u"C:\\P2P\\other.exe \"%1\"");
-         t.File(u"C:\\Apps\\eMule\\emule.exe");
-         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eMule", u"InstallLocation", u"C:\\Apps\\eMule");
-       },
+      {"handler of another client, uninstall location", u"C:\\Apps\\eMule\\emule.exe",
+       {{HKEY_CURRENT_USER, ed2k, u"", u"C:\\P2P\\other.exe \"%1\""},
+        {HKEY_LOCAL_MACHINE, kUninstall + u"eMule", u"InstallLocation", u"C:\\Apps\\eMule"}},
        u"C:\\Apps\\eMule\\", u""},
-      {"uninstall program only",
-       [](FileSharingTest& t) {
-         t.File(u"C:\\Apps\\eMule\\emule.exe");
-         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eMule Plus", u"UninstallString",
-               u"\"C:\\Apps\\eMule\\Uninstall.exe\"");
-       },
+      {"uninstall program only", u"C:\\Apps\\eMule\\emule.exe",
+       {{HKEY_LOCAL_MACHINE, kUninstall + u"eMule Plus", u"UninstallString",
+         u"\"C:\\Apps\\eMule\\Uninstall.exe\""}},
        u"C:\\Apps\\eMule\\", u""},
-      {"removable drive is not trusted",
-       [](FileSharingTest& t) {
-         t.mem.Files->AddDrive(u'E', kDriveRemovable);
-         t.File(u"E:\\eMule\\emule.exe");
-         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eMule", u"InstallLocation", u"E:\\eMule\\");
-       },
-       u"", u""},
-      {"eDonkey by its uninstall entry",
-       [](FileSharingTest& t) {
-         t.File(u"C:\\eDonkey2000\\edonkey2000.exe");
-         t.Str(HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation",
-               u"C:\\eDonkey2000\\");
-       },
+      {"removable drive is not trusted", u"E:\\eMule\\emule.exe",
+       {{HKEY_LOCAL_MACHINE, kUninstall + u"eMule", u"InstallLocation", u"E:\\eMule\\"}}, u"", u""},
+      {"eDonkey by its uninstall entry", u"C:\\eDonkey2000\\edonkey2000.exe",
+       {{HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation",
+         u"C:\\eDonkey2000\\"}},
        u"", u"C:\\eDonkey2000\\"},
   };
   for (const auto& c : cases) {
-    Reset();
-    c.seed(*this);
+    Reset();  // each machine also has a removable drive and another client's program
+    mem.Files->AddDrive(u'E', kDriveRemovable);
+    File(c.program);
+    File(u"C:\\P2P\\other.exe");
+    for (const auto& v : c.values) Str(v.root, v.key, v.name, v.data);
     Start();
     EXPECT_EQ(EMuleFolder, c.emule) << c.what;
     EXPECT_EQ(EDonkeyFolder, c.edonkey) << c.what;
