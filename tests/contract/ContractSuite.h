@@ -36,6 +36,13 @@ inline bool InUse(uint32_t rc) {
 inline const StringList kUnorderedNames = {u"b.txt", u"_x", u"Ärger", u"A_b", u"Z", u"ab", u"a1"};
 inline const StringList kUpperCasedOrder = {u"a1", u"ab", u"A_b", u"b.txt", u"Z", u"_x", u"Ärger"};
 
+// One row of a table of calls and the code each must answer.
+struct Call {
+  const char* what;
+  uint32_t expected;
+  std::function<uint32_t()> call;
+};
+
 template <typename Traits>
 class ContractTest : public ::testing::Test {
  protected:
@@ -235,12 +242,7 @@ TYPED_TEST_P(ContractTest, MissingRegistryItemsAnswerTheirErrorCodes) {
   StringList names;
   std::vector<RegNamedValue> values;
   RegValue v;
-  struct Case {
-    const char* what;
-    uint32_t expected;
-    std::function<uint32_t()> call;
-  };
-  const Case cases[] = {
+  const Call cases[] = {
       {"KeyExists of a missing key", ERROR_FILE_NOT_FOUND, [&] { return reg.KeyExists(cu, gone, dv); }},
       {"EnumKeys of a missing key", ERROR_FILE_NOT_FOUND, [&] { return reg.EnumKeys(cu, gone, names, dv); }},
       {"EnumValues of a missing key", ERROR_FILE_NOT_FOUND,
@@ -263,7 +265,7 @@ TYPED_TEST_P(ContractTest, MissingRegistryItemsAnswerTheirErrorCodes) {
       {"a root the backend does not have", ERROR_INVALID_HANDLE,
        [&] { return reg.KeyExists(0x80000009u, u"Software", dv); }},
   };
-  for (const Case& c : cases) EXPECT_EQ(c.expected, c.call()) << c.what;
+  for (const Call& c : cases) EXPECT_EQ(c.expected, c.call()) << c.what;
   EXPECT_TRUE(names.empty());
   EXPECT_TRUE(values.empty());
 }
@@ -325,12 +327,7 @@ TYPED_TEST_P(ContractTest, MissingFilesAndFoldersAnswerTheirErrorCodes) {
   std::vector<FileInfo> entries;
   FileInfo info;
   std::unique_ptr<IFileHandle> f;
-  struct Case {
-    const char* what;
-    uint32_t expected;
-    std::function<uint32_t()> call;
-  };
-  const Case cases[] = {
+  const Call cases[] = {
       {"GetInfo of a missing file", ERROR_FILE_NOT_FOUND, [&] { return fs.GetInfo(missing, info); }},
       {"GetInfo in a missing folder", ERROR_PATH_NOT_FOUND, [&] { return fs.GetInfo(noDir, info); }},
       {"ListFolder of a missing folder", ERROR_PATH_NOT_FOUND,
@@ -356,7 +353,7 @@ TYPED_TEST_P(ContractTest, MissingFilesAndFoldersAnswerTheirErrorCodes) {
       {"SetAttributes of a missing file", ERROR_FILE_NOT_FOUND,
        [&] { return fs.SetAttributes(missing, FILE_ATTRIBUTE_HIDDEN); }},
   };
-  for (const Case& c : cases) EXPECT_EQ(c.expected, c.call()) << c.what;
+  for (const Call& c : cases) EXPECT_EQ(c.expected, c.call()) << c.what;
   EXPECT_TRUE(entries.empty());
   EXPECT_EQ(nullptr, f);
 }

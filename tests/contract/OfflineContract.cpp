@@ -1,17 +1,15 @@
 // The contract suite on an offline image: a fresh folder with a profile and empty hives per
 // test; files in use are held with the same advisory locks the backend honours.
 #include <fcntl.h>
-#include <stdlib.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <filesystem>
+#include <list>
 #include <map>
 
 #include "ContractSuite.h"
-#include "platform/offline/HiveFormat.h"
+#include "OfflineTestSupport.h"
 #include "platform/offline/OfflineImage.h"
-#include "platform/offline/RegFileImport.h"
 
 namespace tc::contract {
 namespace {
@@ -20,13 +18,11 @@ namespace fs = std::filesystem;
 
 // Images made by this process, removed when it ends; held files by platform.
 struct OfflineState {
-  std::vector<fs::path> images;
+  std::list<test::TempDir> images;
   std::map<const Platform*, std::vector<int>> held;
   ~OfflineState() {
     for (auto& [p, fds] : held)
       for (int fd : fds) close(fd);
-    std::error_code ec;
-    for (const auto& dir : images) fs::remove_all(dir, ec);
   }
 };
 
@@ -40,27 +36,16 @@ std::shared_ptr<OfflineVolume> VolumeOf(Platform& p) {
 }
 
 struct OfflineTraits {
+  // A profile and empty hives; the platform's services hold them, the image itself may go.
   static std::shared_ptr<Platform> Make() {
-    std::string tmpl = (fs::temp_directory_path() / "tc-contract-XXXXXX").string();
-    if (!mkdtemp(tmpl.data())) return nullptr;
-    fs::path dir = tmpl;
-    State().images.push_back(dir);
-    fs::create_directories(dir / "Users" / "Contract");
-    fs::create_directories(dir / "Windows" / "System32" / "config");
-    WriteEmptyHive((dir / "Users" / "Contract" / "NTUSER.DAT").string(), "ROOT");
-    WriteEmptyHive((dir / "Windows" / "System32" / "config" / "SOFTWARE").string(), "ROOT");
-    WriteEmptyHive((dir / "Windows" / "System32" / "config" / "SYSTEM").string(), "ROOT");
+    const test::TempDir& dir = State().images.emplace_back();
+    test::MakeImage(dir.Path(), "Contract",
+                    "Windows Registry Editor Version 5.00\n"
+                    "[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\n\"Current\"=dword:00000001\n"
+                    "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\Session Manager]\n");
     std::string error;
-    std::shared_ptr<OfflineImage> image = OfflineImage::Open({dir.string(), {}, ""}, error);
-    if (!image) return nullptr;
-    ImportRegFile(*image->Registry(),
-                  "Windows Registry Editor Version 5.00\n"
-                  "[HKEY_LOCAL_MACHINE\\SYSTEM\\Select]\n\"Current\"=dword:00000001\n"
-                  "[HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Control\\Session Manager]\n",
-                  error);
-    auto platform = image->MakePlatform();
-    // The platform's services hold the registry and volume; the image itself may go.
-    return platform;
+    std::shared_ptr<OfflineImage> image = OfflineImage::Open({dir.Str(), {}, ""}, error);
+    return image ? image->MakePlatform() : nullptr;
   }
   static String FolderBase() { return u"C:\\ContractTests"; }
   static String KeyBase() { return u"Software\\TraceCleanerContract"; }
