@@ -114,37 +114,6 @@ TEST_F(FileSharingTest, SearchStringsCountNonBlankLines) {
     EXPECT_EQ(CountSearchStringLines(cases[i].first), cases[i].second) << "case " << i;
 }
 
-TEST_F(FileSharingTest, EMuleAndEDonkeyTracesAreCountedAndRemovedLeavingTheRest) {
-  InstallEMule();
-  Files(kEMule, {u"downloads.txt", u"downloads.txt.bak", u"config\\statistics.ini",
-                 u"config\\preferences.ini", u"Incoming\\film.avi"});
-  File(kEMule + u"config\\known.met", std::string(600, '\x0e'));
-  ASSERT_EQ(mem.Files->AddFile(kEMule + u"config\\AC_SearchStrings.dat",
-                               Utf16File(u"alpha\r\n\r\n  \r\nbeta\r\n")),
-            ERROR_SUCCESS);
-  const String donkey = u"C:\\eDonkey2000\\";
-  Files(donkey, {u"edonkey2000.exe", u"known.met.bak"});
-  File(donkey + u"known.met", std::string(100, 'k'));
-  Str(HKEY_LOCAL_MACHINE, kUninstall + u"eDonkey2000", u"InstallLocation", donkey);
-  Start();
-
-  EXPECT_EQ(Scan(u"EMuleDownloadMRU"), 2 + 2);
-  EXPECT_EQ(FoundNames(), (StringList{kEMule + u"downloads.txt", kEMule + u"downloads.txt.bak"}));
-  EXPECT_EQ(Scan(u"EMuleSearchMRU"), 2);
-  EXPECT_EQ(Scan(u"EMuleStatistics"), 1);
-  EXPECT_EQ(Scan(u"EDonkey2000DownloadMRU"), 1 + 1);
-
-  for (const char16_t* id :
-       {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics", u"EDonkey2000DownloadMRU"}) {
-    CleanAndFix({id});
-    EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
-  }
-  EXPECT_EQ(mem.Files->Names(kEMule), (StringList{u"config", u"emule.exe", u"Incoming"}));
-  EXPECT_EQ(mem.Files->Names(kEMule + u"config"), StringList{u"preferences.ini"});
-  EXPECT_TRUE(Exists(kEMule + u"Incoming\\film.avi"));
-  EXPECT_EQ(mem.Files->Names(donkey), StringList{u"edonkey2000.exe"});
-}
-
 TEST_F(FileSharingTest, KazaaLiteFlagChoosesTheDownloadDatabasePlugin) {
   const struct {
     const char16_t* databaseDir;
@@ -161,72 +130,83 @@ TEST_F(FileSharingTest, KazaaLiteFlagChoosesTheDownloadDatabasePlugin) {
   }
 }
 
-TEST_F(FileSharingTest, KazaaTracesAreCleanedAndNothingElse) {
-  Strs(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Kazaa\\LocalContent",
+// One machine with every client: eMule by its link handler; eDonkey, WinMX, BitTorrent++ and
+// WarezP2P (a quoted command) by their uninstall entries; Kazaa by its content folders; Ares
+// and Azureus by their keys.
+TEST_F(FileSharingTest, EveryClientsTracesAreCountedAndRemovedLeavingTheRest) {
+  const HKEY cu = HKEY_CURRENT_USER, lm = HKEY_LOCAL_MACHINE;
+  InstallEMule();
+  Files(kEMule, {u"downloads.txt", u"downloads.txt.bak", u"config\\statistics.ini",
+                 u"config\\preferences.ini", u"Incoming\\film.avi"});
+  File(kEMule + u"config\\known.met", std::string(600, '\x0e'));
+  ASSERT_EQ(mem.Files->AddFile(kEMule + u"config\\AC_SearchStrings.dat",
+                               Utf16File(u"alpha\r\n\r\n  \r\nbeta\r\n")),
+            ERROR_SUCCESS);
+  const String donkey = u"C:\\eDonkey2000\\";
+  Files(donkey, {u"edonkey2000.exe", u"known.met.bak"});
+  File(donkey + u"known.met", std::string(100, 'k'));
+  Str(lm, kUninstall + u"eDonkey2000", u"InstallLocation", donkey);
+  const String kazaa = u"C:\\Kazaa\\", search = u"Software\\Kazaa\\Search";
+  Strs(lm, u"SOFTWARE\\Kazaa\\LocalContent",
        {{u"DatabaseDir", u"C:\\Kazaa\\db"}, {u"DownloadDir", u"C:\\Kazaa\\My Shared Folder"}});
-  Files(u"C:\\Kazaa\\db\\", {u"data256.dbb", u"desktop.ini"});
-  Files(u"C:\\Kazaa\\My Shared Folder\\", {u"mix.kpl", u"song.mp3"});
-  const String search = u"Software\\Kazaa\\Search";
-  Strs(HKEY_CURRENT_USER, search,
-       {{u"1", u"first"}, {u"2", u"second"}, {u"3", u""}, {u"LastSearch", u"kept"}});
-  Start();
-
-  EXPECT_TRUE(Plugin(u"KazaaSearchMRU").Active);
-  EXPECT_EQ(Scan(u"KazaaSearchMRU"), 2);
-  EXPECT_EQ(Scan(u"KazaaDownloadDB"), 1);
-  EXPECT_EQ(Scan(u"KazaaPlaylists"), 1);
-
-  auto [lost, gained] = CleanAndDiff({u"KazaaSearchMRU", u"KazaaDownloadDB", u"KazaaPlaylists"});
-  EXPECT_EQ(lost, (std::set<String>{u"HKCU\\" + search + u"[1]=first", u"HKCU\\" + search + u"[2]=second",
-                                    u"HKCU\\" + search + u"[3]="}));
-  EXPECT_TRUE(gained.empty());
-  EXPECT_EQ(mem.Files->Names(u"C:\\Kazaa\\db"), StringList{u"desktop.ini"});
-  EXPECT_EQ(mem.Files->Names(u"C:\\Kazaa\\My Shared Folder"), StringList{u"song.mp3"});
-}
-
-TEST_F(FileSharingTest, RegistrySearchListsCountEmptyValues) {
-  // Ares by its key; WarezP2P by its program folder, named by a quoted uninstall command.
-  Strs(HKEY_CURRENT_USER, u"Software\\Ares\\Search.History\\gen.gen",
-       {{u"6D7573696B", u"x"}, {u"66696C6D", u""}});
-  Str(HKEY_CURRENT_USER, u"Software\\Ares", u"Stats.Uploads", u"12");
-  Str(HKEY_LOCAL_MACHINE, kUninstall + u"Warez P2P Client", u"UninstallString",
-      u"\"C:\\Program Files\\Warez\\uninstall.exe\"");
-  Files(u"C:\\Program Files\\Warez\\",
-        {u"uninstall.exe", u"Data\\history.dat", u"Data\\shares.txt"});
-  Str(HKEY_CURRENT_USER, u"Software\\Warez\\Search.History\\gen.gen", u"a", u"b");
-  Start();
-
-  EXPECT_EQ(Scan(u"AresSearchlist"), 2);
-  EXPECT_EQ(Scan(u"WarezP2PSearchlist"), 1);
-  EXPECT_EQ(Scan(u"WarezP2PVerlauf"), 1);
-  auto [lost, gained] =
-      CleanAndDiff({u"AresSearchlist", u"WarezP2PSearchlist", u"WarezP2PVerlauf"});
-  EXPECT_EQ(lost.size(), 3u);
-  for (const auto& l : lost) EXPECT_NE(l.find(u"Search.History\\gen.gen["), String::npos) << ToUtf8(l);
-  EXPECT_TRUE(gained.empty());
-  EXPECT_EQ(mem.Files->Names(u"C:\\Program Files\\Warez\\Data"), StringList{u"shares.txt"});
-}
-
-TEST_F(FileSharingTest, FoldersFromUninstallCommandsAndAzureus) {
-  Str(HKEY_LOCAL_MACHINE, kUninstall + u"WinMX", u"UninstallString",
-      u"C:\\Program Files\\WinMX\\uninst.exe");
-  Files(u"C:\\Program Files\\WinMX\\", {u"WinMX.exe", u"chat.log", u"transfer.log"});
-  Str(HKEY_LOCAL_MACHINE, kUninstall + u"BitTorrent++", u"UninstallString",
-      u"\"C:\\Program Files\\BitTorrent++\\uninst.exe\" /S");
-  Files(u"C:\\Program Files\\BitTorrent++\\History\\", {u"1.txt", u"2.txt"});
-  Str(HKEY_CURRENT_USER, u"Software\\Azureus", u"", u"C:\\Program Files\\Azureus");
+  Files(kazaa, {u"db\\data256.dbb", u"db\\desktop.ini", u"My Shared Folder\\mix.kpl",
+                u"My Shared Folder\\song.mp3"});
+  Strs(cu, search, {{u"1", u"first"}, {u"2", u"second"}, {u"3", u""}, {u"LastSearch", u"kept"}});
+  const String ares = u"Software\\Ares\\Search.History\\gen.gen";
+  Strs(cu, ares, {{u"6D7573696B", u"x"}, {u"66696C6D", u""}});
+  Str(cu, u"Software\\Ares", u"Stats.Uploads", u"12");
+  const String warez = u"C:\\Program Files\\Warez\\";
+  Str(lm, kUninstall + u"Warez P2P Client", u"UninstallString", u"\"" + warez + u"uninstall.exe\"");
+  Files(warez, {u"uninstall.exe", u"Data\\history.dat", u"Data\\shares.txt"});
+  Str(cu, u"Software\\Warez\\Search.History\\gen.gen", u"a", u"b");
+  const String winmx = u"C:\\Program Files\\WinMX\\";
+  const String bittorrent = u"C:\\Program Files\\BitTorrent++\\";
+  Str(lm, kUninstall + u"WinMX", u"UninstallString", winmx + u"uninst.exe");
+  Files(winmx, {u"WinMX.exe", u"chat.log", u"transfer.log"});
+  Str(lm, kUninstall + u"BitTorrent++", u"UninstallString",
+      u"\"" + bittorrent + u"uninst.exe\" /S");
+  Files(bittorrent, {u"History\\1.txt", u"History\\2.txt"});
+  Str(cu, u"Software\\Azureus", u"", u"C:\\Program Files\\Azureus");
   mem.Files->AddFolder(u"C:\\Program Files\\Azureus");
   Files(kAppData + u"Azureus\\", {u"azureus.statistics", u"azureus.config"});
   Start();
 
-  EXPECT_EQ(Scan(u"WinMXLogfiles"), 2);
-  EXPECT_EQ(Scan(u"BitTorrentHistory"), 2);
-  EXPECT_TRUE(Plugin(u"AzureusStatistics").Active);
-  EXPECT_EQ(Scan(u"AzureusStatistics"), 1);
+  const std::pair<const char16_t*, int> counts[] = {
+      {u"EMuleDownloadMRU", 2 + 2}, {u"EMuleSearchMRU", 2}, {u"EMuleStatistics", 1},
+      {u"EDonkey2000DownloadMRU", 1 + 1}, {u"KazaaSearchMRU", 2}, {u"KazaaDownloadDB", 1},
+      {u"KazaaPlaylists", 1}, {u"AresSearchlist", 2}, {u"WarezP2PSearchlist", 1},
+      {u"WarezP2PVerlauf", 1}, {u"WinMXLogfiles", 2}, {u"BitTorrentHistory", 2},
+      {u"AzureusStatistics", 1}};
+  for (auto [id, n] : counts) {
+    EXPECT_TRUE(Plugin(id).Active) << ToUtf8(id);
+    EXPECT_EQ(Scan(id), n) << ToUtf8(id);
+  }
+  Scan(u"EMuleDownloadMRU");
+  EXPECT_EQ(FoundNames(), (StringList{kEMule + u"downloads.txt", kEMule + u"downloads.txt.bak"}));
+  Scan(u"AzureusStatistics");
   EXPECT_EQ(FoundNames(), StringList{kAppData + u"Azureus\\azureus.statistics"});
-  CleanAndFix({u"WinMXLogfiles", u"BitTorrentHistory", u"AzureusStatistics"});
-  EXPECT_EQ(mem.Files->Names(u"C:\\Program Files\\WinMX"), StringList{u"WinMX.exe"});
-  EXPECT_TRUE(mem.Files->Names(u"C:\\Program Files\\BitTorrent++\\History").empty());
+
+  auto [lost, gained] = CleanAndDiff(
+      {u"EMuleDownloadMRU", u"EMuleSearchMRU", u"EMuleStatistics", u"EDonkey2000DownloadMRU",
+       u"KazaaSearchMRU", u"KazaaDownloadDB", u"KazaaPlaylists", u"AresSearchlist",
+       u"WarezP2PSearchlist", u"WarezP2PVerlauf", u"WinMXLogfiles", u"BitTorrentHistory",
+       u"AzureusStatistics"});
+  for (auto [id, n] : counts) EXPECT_EQ(Scan(id), 0) << ToUtf8(id);
+  EXPECT_EQ(lost, (std::set<String>{
+                      u"HKCU\\" + search + u"[1]=first", u"HKCU\\" + search + u"[2]=second",
+                      u"HKCU\\" + search + u"[3]=", u"HKCU\\" + ares + u"[6D7573696B]=x",
+                      u"HKCU\\" + ares + u"[66696C6D]=",
+                      u"HKCU\\Software\\Warez\\Search.History\\gen.gen[a]=b"}));
+  EXPECT_TRUE(gained.empty());
+  EXPECT_EQ(mem.Files->Names(kEMule), (StringList{u"config", u"emule.exe", u"Incoming"}));
+  EXPECT_EQ(mem.Files->Names(kEMule + u"config"), StringList{u"preferences.ini"});
+  EXPECT_TRUE(Exists(kEMule + u"Incoming\\film.avi"));
+  EXPECT_EQ(mem.Files->Names(donkey), StringList{u"edonkey2000.exe"});
+  EXPECT_EQ(mem.Files->Names(kazaa + u"db"), StringList{u"desktop.ini"});
+  EXPECT_EQ(mem.Files->Names(kazaa + u"My Shared Folder"), StringList{u"song.mp3"});
+  EXPECT_EQ(mem.Files->Names(warez + u"Data"), StringList{u"shares.txt"});
+  EXPECT_EQ(mem.Files->Names(winmx), StringList{u"WinMX.exe"});
+  EXPECT_TRUE(mem.Files->Names(bittorrent + u"History").empty());
   EXPECT_EQ(mem.Files->Names(kAppData + u"Azureus"), StringList{u"azureus.config"});
 }
 
