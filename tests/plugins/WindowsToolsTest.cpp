@@ -1,6 +1,4 @@
 // Accessory recent lists: WordPad, Paint, Registry Editor, Remote Desktop, Movie Maker.
-#include <functional>
-
 #include "AppPluginFixture.h"
 #include "plugins/TCP_WindowsTools.h"
 
@@ -41,8 +39,8 @@ TEST_F(WindowsToolsTest, TracesFoundReportedAndCleaned) {
     int count;
     StringList reported;
     TTraceTargetType target;
-    TTraceFlags flags;
-    StringList left;  // value names the clean leaves in the key
+    TTraceFlags flags;  // 6: removed item by item, renumbered by Fix
+    StringList left;    // value names the clean leaves in the key
   } cases[] = {
       {u"WordPad", kWordPad,
        {{u"File1", u"C:\\Briefe\\bank.rtf"}, {u"File2", u"  "}, {u"File3", u"C:\\x.rtf"},
