@@ -278,6 +278,14 @@ class TTCPlugin {
 // the number comes back in `Number` (-1 when the rest is no integer).
 bool IsNumberedName(const String& Name, const String& Prefix, int64_t& Number);
 
+// Root, key and options of an MRUList or MRUListEx location.
+struct TMRUListPlace {
+  HKEY RootKey;
+  const String& Key;
+  uint32_t Options;
+};
+TMRUListPlace MRUListPlace(const TTraceLocation& Location);
+
 // The matcher a file location scans and cleans with: its masks, and never "desktop.ini".
 TWildcardMatcher MakeMatcher(const TLD_FileSystem_Files& Files);
 

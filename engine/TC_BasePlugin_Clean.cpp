@@ -11,6 +11,15 @@
 
 namespace tc {
 
+TMRUListPlace MRUListPlace(const TTraceLocation& Location) {
+  if (Location.LocationType == TLT_Registry_MRUListEx) {
+    const auto& d = Location.As<TLD_Registry_MRUListEx>();
+    return {d.RootKey, d.Key, d.Options};
+  }
+  const auto& d = Location.As<TLD_Registry_MRUList>();
+  return {d.RootKey, d.Key, d.Options};
+}
+
 TWildcardMatcher MakeMatcher(const TLD_FileSystem_Files& Files) {
   TWildcardMatcher m;
   m.AddSearchMask(Files.IncludeMasks, 0);
@@ -74,9 +83,7 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
     case TLT_Registry_MRUList:
     case TLT_Registry_MRUListEx: {
       const bool ex = loc.LocationType == TLT_Registry_MRUListEx;
-      HKEY root = ex ? loc.As<TLD_Registry_MRUListEx>().RootKey : loc.As<TLD_Registry_MRUList>().RootKey;
-      const String& key = ex ? loc.As<TLD_Registry_MRUListEx>().Key : loc.As<TLD_Registry_MRUList>().Key;
-      uint32_t options = ex ? loc.As<TLD_Registry_MRUListEx>().Options : loc.As<TLD_Registry_MRUList>().Options;
+      const auto [root, key, options] = MRUListPlace(loc);
       EnumRegKeysEx(root, key, names, RO_None);
       for (const auto& n : names) DeleteRegKey(root, key + u"\\" + n, RO_None);
       EnumRegValueNames(root, key, names, RO_None);

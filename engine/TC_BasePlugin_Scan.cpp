@@ -136,8 +136,7 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
     case TLT_Registry_MRUList:
     case TLT_Registry_MRUListEx: {
       const bool ex = loc.LocationType == TLT_Registry_MRUListEx;
-      HKEY root = ex ? loc.As<TLD_Registry_MRUListEx>().RootKey : loc.As<TLD_Registry_MRUList>().RootKey;
-      const String& key = ex ? loc.As<TLD_Registry_MRUListEx>().Key : loc.As<TLD_Registry_MRUList>().Key;
+      const auto [root, key, options] = MRUListPlace(loc);
       StringList keys{key}, subs;
       EnumRegKeysEx(root, key, subs, RO_None);
       for (const auto& s : subs) keys.push_back(key + u"\\" + s);

@@ -1,6 +1,7 @@
 #include "platform/Orviregistry.h"
 
 #include "platform/Platform.h"
+#include "platform/RegData.h"
 #include "platform/Shell.h"
 #include "platform/Stringhelper.h"
 #include "platform/TextCodec.h"
@@ -19,26 +20,6 @@ RegView ViewOf(TRegOptions options) {
 IRegistry& Reg() { return *Services().Registry; }
 IFileSystem& Fs() { return *Services().Files; }
 
-String StringData(const RegValue& v) {
-  String s = FromUtf16LE(v.Data.data(), v.Data.size());
-  size_t nul = s.find(u'\0');
-  return nul == String::npos ? s : s.substr(0, nul);
-}
-
-StringList MultiStringLines(const RegValue& v) {
-  String all = FromUtf16LE(v.Data.data(), v.Data.size());
-  StringList lines;
-  size_t start = 0;
-  while (start < all.size()) {
-    size_t end = all.find(u'\0', start);
-    if (end == String::npos) end = all.size();
-    if (end == start) break;  // the empty string that ends the list
-    lines.push_back(all.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
-}
-
 String Hex(const Bytes& data) {
   static const char16_t* digits = u"0123456789ABCDEF";
   String out;
@@ -52,15 +33,6 @@ String Hex(const Bytes& data) {
 
 bool LooksLikeUtf16Text(const Bytes& d) {
   return d.size() >= 2 && d[1] == 0 && d[0] >= 0x20;
-}
-
-RegValue StringValue(const String& s, uint32_t type = REG_SZ) {
-  RegValue v;
-  v.Type = type;
-  v.Data = ToUtf16LE(s);
-  v.Data.push_back(0);
-  v.Data.push_back(0);
-  return v;
 }
 
 bool Set(HKEY root, const String& key, const String& name, const RegValue& v,
@@ -79,20 +51,19 @@ String RegValueToText(const RegValue& v) {
     case REG_SZ:
     case REG_EXPAND_SZ:
     case REG_LINK:
-      return StringData(v);
+      return RegData::Text(v);
     case REG_MULTI_SZ: {
       String out;
-      for (const auto& line : MultiStringLines(v)) {
+      for (const auto& line : RegData::Lines(v)) {
         if (!out.empty()) out += u"; ";
         out += line;
       }
       return out;
     }
-    case REG_DWORD:
-      if (v.Data.size() >= 4)
-        return IntToStr(static_cast<uint32_t>(v.Data[0] | v.Data[1] << 8 | v.Data[2] << 16 |
-                                              static_cast<uint32_t>(v.Data[3]) << 24));
-      return Hex(v.Data);
+    case REG_DWORD: {
+      uint32_t n;
+      return RegData::Number(v, n) ? IntToStr(n) : Hex(v.Data);
+    }
     case REG_QWORD:
       if (v.Data.size() >= 8) {
         uint64_t q = 0;
@@ -101,7 +72,7 @@ String RegValueToText(const RegValue& v) {
       }
       return Hex(v.Data);
     default:
-      if (LooksLikeUtf16Text(v.Data)) return StringData(v);
+      if (LooksLikeUtf16Text(v.Data)) return RegData::Text(v);
       return Hex(v.Data);
   }
 }
@@ -154,11 +125,11 @@ uint32_t GetRegMultiStringValue(HKEY root, const String& key, const String& valu
   uint32_t rc = Reg().QueryValue(root, key, valueName, v, ViewOf(options));
   if (rc != ERROR_SUCCESS) return rc;
   if (v.Type == REG_MULTI_SZ) {
-    lines = MultiStringLines(v);
+    lines = RegData::Lines(v);
     return ERROR_SUCCESS;
   }
   if (v.Type == REG_SZ || v.Type == REG_EXPAND_SZ) {
-    String s = StringData(v);
+    String s = RegData::Text(v);
     if (!s.empty()) lines.push_back(s);
     return ERROR_SUCCESS;
   }
@@ -188,43 +159,28 @@ bool GetRegValue(HKEY root, const String& key, const String& valueName, Bytes& b
 bool GetRegDWordValue(HKEY root, const String& key, const String& valueName, uint32_t& value,
                       TRegOptions options) {
   RegValue v;
-  if (Reg().QueryValue(root, key, valueName, v, ViewOf(options)) != ERROR_SUCCESS ||
-      v.Type != REG_DWORD || v.Data.size() < 4)
-    return false;
-  value = v.Data[0] | v.Data[1] << 8 | v.Data[2] << 16 | static_cast<uint32_t>(v.Data[3]) << 24;
-  return true;
+  return Reg().QueryValue(root, key, valueName, v, ViewOf(options)) == ERROR_SUCCESS &&
+         v.Type == REG_DWORD && RegData::Number(v, value);
 }
 
 bool SetRegStringValue(HKEY root, const String& key, const String& valueName,
                        const String& value, TRegOptions options) {
-  return Set(root, key, valueName, StringValue(value), options);
+  return Set(root, key, valueName, RegData::Sz(value), options);
 }
 
 bool SetRegMultiStringValue(HKEY root, const String& key, const String& valueName,
                             const StringList& lines, TRegOptions options) {
-  RegValue v;
-  v.Type = REG_MULTI_SZ;
-  for (const auto& line : lines) {
-    Bytes b = ToUtf16LE(line);
-    v.Data.insert(v.Data.end(), b.begin(), b.end());
-    v.Data.push_back(0);
-    v.Data.push_back(0);
-  }
-  v.Data.push_back(0);
-  v.Data.push_back(0);
-  return Set(root, key, valueName, v, options);
+  return Set(root, key, valueName, RegData::MultiSz(lines), options);
 }
 
 bool SetRegBinaryValue(HKEY root, const String& key, const String& valueName, const Bytes& data,
                        TRegOptions options) {
-  return Set(root, key, valueName, RegValue{REG_BINARY, data}, options);
+  return Set(root, key, valueName, RegData::Binary(data), options);
 }
 
 bool SetRegDWordValue(HKEY root, const String& key, const String& valueName, uint32_t value,
                       TRegOptions options) {
-  Bytes d = {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
-             static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
-  return Set(root, key, valueName, RegValue{REG_DWORD, d}, options);
+  return Set(root, key, valueName, RegData::Dword(value), options);
 }
 
 bool DeleteRegValue(HKEY root, const String& key, const String& valueName, TRegOptions options) {
