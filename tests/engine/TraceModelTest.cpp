@@ -91,13 +91,6 @@ INSTANTIATE_TEST_SUITE_P(
         SortCase{"case_only_caption", 0, 0, u"S", u"S", u"App", u"App", u"B", u"c", true, true}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(TraceModelTest, CaptionsDifferingInCaseOnlyCompareEqualInBothSorts) {
-  // Equal keys: neither sort may order them by anything else, so both orders are legal;
-  // what must hold is that the comparison itself finds them equal.
-  EXPECT_EQ(CompareTextOrdinal(u"b", u"B"), 0);
-  EXPECT_EQ(CompareText(u"b", u"B"), 0);
-}
-
 TEST_F(TraceModelTest, ProgressReportersRoundHalfToEvenAndHonourStop) {
   TestPlugin p(u"TTCPProgress");
   std::vector<int> promilles;

@@ -84,12 +84,6 @@ TEST_F(ServicesLive, ProtectedStorageWithoutLibraryOrEntryPointFailsToOpen) {
   if (store.Open() == ERROR_SUCCESS) store.EnumItems(type, type, names);
 }
 
-TEST_F(ServicesLive, UrlHistoryAnswersOrSaysItHasNone) {
-  std::vector<UrlHistoryEntry> entries;
-  const uint32_t rc = platform_->UrlHistory->Enumerate(entries);
-  EXPECT_TRUE(rc == ERROR_SUCCESS || rc == ERROR_NOT_SUPPORTED) << rc;
-}
-
 TEST_F(ServicesLive, ProductSettingsLiveInTheProductsKey) {
   IProductSettings& settings = *platform_->ProductSettings;
   const String host = u"live-" + key_.substr(key_.rfind(u'\\') + 1) + u".test";
