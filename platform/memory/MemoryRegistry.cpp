@@ -1,5 +1,8 @@
 #include "platform/memory/MemoryRegistry.h"
 
+#include <list>
+#include <unordered_map>
+
 #include "platform/RegData.h"
 #include "platform/TextCodec.h"
 
@@ -7,15 +10,22 @@ namespace tc {
 
 struct MemoryRegistry::Node {
   String Name;
-  std::vector<RegNamedValue> Values;              // creation order
+  std::list<RegNamedValue> Values;                // creation order
   std::map<String, std::unique_ptr<Node>> Keys;   // by upper-cased name: the order hives keep
+  // Upper-cased value name to its place, so keys of 100,000 values stay quick.
+  std::unordered_map<String, std::list<RegNamedValue>::iterator> ValueIndex;
 
-  std::vector<RegNamedValue>::iterator FindValue(const String& name) {
-    const String up = UpperCase(name);
-    for (auto it = Values.begin(); it != Values.end(); ++it) {
-      if (UpperCase(it->Name) == up) return it;
-    }
-    return Values.end();
+  std::list<RegNamedValue>::iterator FindValue(const String& name) {
+    auto it = ValueIndex.find(UpperCase(name));
+    return it == ValueIndex.end() ? Values.end() : it->second;
+  }
+  void AddValue(const String& name, const RegValue& value) {
+    Values.push_back({name, value});
+    ValueIndex[UpperCase(name)] = std::prev(Values.end());
+  }
+  void EraseValue(std::list<RegNamedValue>::iterator it) {
+    ValueIndex.erase(UpperCase(it->Name));
+    Values.erase(it);
   }
 };
 
@@ -106,7 +116,7 @@ uint32_t MemoryRegistry::EnumValues(HKEY root, const String& key,
   values.clear();
   Node* node;
   if (uint32_t rc = Find(root, key, node)) return rc;
-  values = node->Values;
+  values.assign(node->Values.begin(), node->Values.end());
   return ERROR_SUCCESS;
 }
 
@@ -128,7 +138,7 @@ uint32_t MemoryRegistry::SetValue(HKEY root, const String& key, const String& na
   if (it != node->Values.end()) {
     it->Value = value;  // keeps its place and the case it was created with
   } else {
-    node->Values.push_back({name, value});
+    node->AddValue(name, value);
   }
   Record(RegWrite::Kind::SetValue, root, key, name, &value);
   return ERROR_SUCCESS;
@@ -140,7 +150,7 @@ uint32_t MemoryRegistry::DeleteValue(HKEY root, const String& key, const String&
   if (uint32_t rc = Find(root, key, node)) return rc;
   auto it = node->FindValue(name);
   if (it == node->Values.end()) return ERROR_FILE_NOT_FOUND;
-  node->Values.erase(it);
+  node->EraseValue(it);
   Record(RegWrite::Kind::DeleteValue, root, key, name, nullptr);
   return ERROR_SUCCESS;
 }
