@@ -4,7 +4,7 @@
 #include "platform/Eventlog.h"
 #include "platform/Orvihelper.h"
 #include "platform/Orviregistry.h"
-#include "platform/Specialunit.h"
+#include "platform/RecycleBinHelpers.h"
 #include "platform/Stringhelper.h"
 
 namespace tc {

@@ -1,4 +1,4 @@
-#include "platform/Specialunit.h"
+#include "platform/RecycleBinHelpers.h"
 
 #include "platform/Platform.h"
 
