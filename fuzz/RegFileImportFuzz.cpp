@@ -1,0 +1,16 @@
+// Registry editor files: any bytes either import or stop with a message, never crash.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "platform/memory/MemoryRegistry.h"
+#include "platform/offline/RegFileImport.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  tc::MemoryRegistry registry;
+  std::string error;
+  bool ok = tc::ImportRegFile(registry, {reinterpret_cast<const char*>(data), size}, error);
+  if (!ok && error.empty()) std::abort();  // a refusal always says why
+  return 0;
+}
