@@ -179,16 +179,12 @@ TTCPPowerArcRecentFolders::TTCPPowerArcRecentFolders() : TTCPlugin(u"TTCPPowerAr
 
 TTCPWinAceLastOpenArchives::TTCPWinAceLastOpenArchives()
     : TTCPlugin(u"TTCPWinAceLastOpenArchives") {
-  Section = rsTCPSection_Archiver;
-  AppCaption = u"WinAce";
-  IconFile = FileNameByID(7003, 27);
-  Caption = u"Liste der zuletzt verwendeten Archive";
-  Description =
-      u"WinAce speichert eine Liste der zuletzt von Ihnen verwendeten Archive und Ihrer "
-      u"Favoriten. Diese Listen sind für jeden sichtbar, der WinAce auf Ihrem Computer "
-      u"startet.";
-  String path = GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce", u"Path", u"",
-                                     RO_None);
+  Describe(rsTCPSection_Archiver, u"WinAce", 7003, u"Liste der zuletzt verwendeten Archive",
+           u"WinAce speichert eine Liste der zuletzt von Ihnen verwendeten Archive und Ihrer "
+           u"Favoriten. Diese Listen sind für jeden sichtbar, der WinAce auf Ihrem Computer "
+           u"startet.");
+  String path =
+      GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\e-merge\\WinAce", u"Path", u"", RO_None);
   // Installed means: the recorded program path still exists on disk.
   Active = !path.empty() && FileOrDirExists(path);
   DeactivateIfAbsent = false;

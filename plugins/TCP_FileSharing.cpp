@@ -50,8 +50,8 @@ void AddRegistryValues(TTCPlugin& p, const String& key) {
 
 // The folder of the program an uninstall entry's "UninstallString" names.
 String UninstallFolder(const String& product) {
-  String cmd = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kUninstallKey + product,
-                                    u"UninstallString", u"", RO_None);
+  String cmd = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kUninstallKey + product, u"UninstallString",
+                                    u"", RO_None);
   String path = ExtractFilePath(ProgramOfCommand(cmd));
   return path.empty() ? path : IncludeTrailingPathDelimiter(path);
 }
@@ -67,8 +67,9 @@ String FolderHolding(const String& folder, const String& exe) {
 String FindClientFolder(const String& nameFragment, const String& exe) {
   // The per-user and machine halves of the classes root, in the order Windows merges them,
   // so the handler found is the one a click on an ed2k link starts on every backend.
-  for (const auto& [root, key] : {std::pair{HKEY_CURRENT_USER, u"Software\\Classes\\ed2k\\shell\\open\\command"},
-                                  std::pair{HKEY_LOCAL_MACHINE, u"SOFTWARE\\Classes\\ed2k\\shell\\open\\command"}}) {
+  for (const auto& [root, key] :
+       {std::pair{HKEY_CURRENT_USER, u"Software\\Classes\\ed2k\\shell\\open\\command"},
+        std::pair{HKEY_LOCAL_MACHINE, u"SOFTWARE\\Classes\\ed2k\\shell\\open\\command"}}) {
     String cmd = GetRegStringValueDef(root, key, u"", u"", RO_None);
     if (cmd.empty()) continue;
     String found = FolderHolding(ExtractFilePath(ProgramOfCommand(cmd)), exe);
@@ -137,8 +138,8 @@ int CountSearchStringLines(const Bytes& data) {
   if (data.size() >= 2 && data[0] == 0xFF && data[1] == 0xFE)
     text = FromUtf16LE(data.data() + 2, data.size() - 2);
   else if (data.size() >= 3 && data[0] == 0xEF && data[1] == 0xBB && data[2] == 0xBF)
-    text = FromUtf8(std::string_view(reinterpret_cast<const char*>(data.data()) + 3,
-                                     data.size() - 3));
+    text =
+        FromUtf8(std::string_view(reinterpret_cast<const char*>(data.data()) + 3, data.size() - 3));
   else
     text = FromAnsi(std::string_view(reinterpret_cast<const char*>(data.data()), data.size()));
   int count = 0;
@@ -168,29 +169,22 @@ String ProgramOfCommand(const String& command) {
 }
 
 TTCPAzureusStatistics::TTCPAzureusStatistics() : TTCPlugin(u"TTCPAzureusStatistics") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_Azureus;
-  IconFile = FileNameByID(8000, 27);
-  Caption = rsCapStatistics;
-  Description =
-      u"Azureus speichert eine Statistik über alle von Ihnen herunter- und hochgeladenen "
-      u"Daten. Daraus lässt sich ablesen, wann und in welchem Umfang Sie die Tauschbörse "
-      u"genutzt haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_Azureus, 8000, rsCapStatistics,
+           u"Azureus speichert eine Statistik über alle von Ihnen herunter- und hochgeladenen "
+           u"Daten. Daraus lässt sich ablesen, wann und in welchem Umfang Sie die Tauschbörse "
+           u"genutzt haben.");
   // The scan reports folder + name, so the folder carries its delimiter.
-  String installDir = GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\Azureus", u"", u"", RO_None);
+  String installDir =
+      GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\Azureus", u"", u"", RO_None);
   Active = !installDir.empty() && DirExists(installDir);
   AddFiles(*this, GetAppDataDir() + u"Azureus\\", u"azureus.statistics");
 }
 
 TTCPEMuleDownloadMRU::TTCPEMuleDownloadMRU() : TTCPlugin(u"TTCPEMuleDownloadMRU") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_EMule;
-  IconFile = FileNameByID(8002, 27);
-  Caption = rsCapDownloadMRU;
-  Description =
-      u"eMule speichert eine Liste aller von Ihnen heruntergeladenen Dateien. Jeder, der "
-      u"Zugang zu Ihrem Computer hat, kann daran ablesen, welche Dateien Sie aus der "
-      u"Tauschbörse bezogen haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_EMule, 8002, rsCapDownloadMRU,
+           u"eMule speichert eine Liste aller von Ihnen heruntergeladenen Dateien. Jeder, der "
+           u"Zugang zu Ihrem Computer hat, kann daran ablesen, welche Dateien Sie aus der "
+           u"Tauschbörse bezogen haben.");
   if (EMuleFolder.empty()) {
     Active = false;
     return;
@@ -209,14 +203,10 @@ void TTCPEMuleDownloadMRU::Clean() {
 }
 
 TTCPEMuleSearchMRU::TTCPEMuleSearchMRU() : TTCPlugin(u"TTCPEMuleSearchMRU") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_EMule;
-  IconFile = FileNameByID(8002, 27);
-  Caption = rsCapSearchMRU;
-  Description =
-      u"eMule speichert alle von Ihnen eingegebenen Suchbegriffe und bietet sie bei der "
-      u"nächsten Suche zur Auswahl an. Die Begriffe verraten, wonach Sie in der Tauschbörse "
-      u"gesucht haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_EMule, 8002, rsCapSearchMRU,
+           u"eMule speichert alle von Ihnen eingegebenen Suchbegriffe und bietet sie bei der "
+           u"nächsten Suche zur Auswahl an. Die Begriffe verraten, wonach Sie in der Tauschbörse "
+           u"gesucht haben.");
   if (EMuleFolder.empty()) Active = false;
 }
 
@@ -236,14 +226,10 @@ void TTCPEMuleSearchMRU::Clean() {
 }
 
 TTCPEMuleStatistics::TTCPEMuleStatistics() : TTCPlugin(u"TTCPEMuleStatistics") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_EMule;
-  IconFile = FileNameByID(8002, 27);
-  Caption = rsCapStatistics;
-  Description =
-      u"eMule speichert eine Statistik über alle von Ihnen herunter- und hochgeladenen Daten "
-      u"in einer Datei. Daraus lässt sich ablesen, in welchem Umfang Sie die Tauschbörse "
-      u"genutzt haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_EMule, 8002, rsCapStatistics,
+           u"eMule speichert eine Statistik über alle von Ihnen herunter- und hochgeladenen Daten "
+           u"in einer Datei. Daraus lässt sich ablesen, in welchem Umfang Sie die Tauschbörse "
+           u"genutzt haben.");
   if (EMuleFolder.empty()) {
     Active = false;
     return;
@@ -253,14 +239,10 @@ TTCPEMuleStatistics::TTCPEMuleStatistics() : TTCPlugin(u"TTCPEMuleStatistics") {
 
 TTCPEDonkey2000DownloadMRU::TTCPEDonkey2000DownloadMRU()
     : TTCPlugin(u"TTCPEDonkey2000DownloadMRU") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_EDonkey2000;
-  IconFile = FileNameByID(8005, 27);
-  Caption = rsCapDownloadMRU;
-  Description =
-      u"eDonkey2000 speichert eine Liste aller von Ihnen heruntergeladenen Dateien. Jeder, "
-      u"der Zugang zu Ihrem Computer hat, kann daran ablesen, welche Dateien Sie aus der "
-      u"Tauschbörse bezogen haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_EDonkey2000, 8005, rsCapDownloadMRU,
+           u"eDonkey2000 speichert eine Liste aller von Ihnen heruntergeladenen Dateien. Jeder, "
+           u"der Zugang zu Ihrem Computer hat, kann daran ablesen, welche Dateien Sie aus der "
+           u"Tauschbörse bezogen haben.");
   if (EDonkeyFolder.empty()) {
     Active = false;
     return;
@@ -279,90 +261,72 @@ void TTCPEDonkey2000DownloadMRU::Clean() {
 }
 
 TTCPKazaaSearchMRU::TTCPKazaaSearchMRU() : TTCPlugin(u"TTCPKazaaSearchMRU") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_Kazaa;
-  IconFile = FileNameByID(8003, 27);
-  Caption = rsCapSearchMRU;
-  Description =
-      u"Kazaa speichert alle von Ihnen eingegebenen Suchbegriffe in der "
-      u"Registrierungsdatenbank. Die Begriffe verraten, wonach Sie in der Tauschbörse gesucht "
-      u"haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_Kazaa, 8003, rsCapSearchMRU,
+           u"Kazaa speichert alle von Ihnen eingegebenen Suchbegriffe in der "
+           u"Registrierungsdatenbank. Die Begriffe verraten, wonach Sie in der Tauschbörse gesucht "
+           u"haben.");
   // Kazaa and Kazaa Lite keep this user's settings here: present once the user ran either.
   Active = KeyExist(HKEY_CURRENT_USER, u"Software\\Kazaa", RO_None);
   DeactivateIfAbsent = false;
-  AddTraceLocation(TLT_Registry_NumberedNames,
-                   new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, u"Software\\Kazaa\\Search", u"", 0),
-                   TTT_Unknown, 0);
+  AddTraceLocation(
+      TLT_Registry_NumberedNames,
+      new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, u"Software\\Kazaa\\Search", u"", 0),
+      TTT_Unknown, 0);
 }
 
 TTCPKazaaDownloadDB::TTCPKazaaDownloadDB() : TTCPlugin(u"TTCPKazaaDownloadDB") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_Kazaa;
-  IconFile = FileNameByID(8003, 27);
-  Caption = rsCapDownloadDB;
-  Description =
-      u"Kazaa legt eine Datenbank mit Informationen über alle von Ihnen heruntergeladenen "
-      u"Dateien an. Daran lässt sich ablesen, welche Dateien Sie aus der Tauschbörse bezogen "
-      u"haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_Kazaa, 8003, rsCapDownloadDB,
+           u"Kazaa legt eine Datenbank mit Informationen über alle von Ihnen heruntergeladenen "
+           u"Dateien an. Daran lässt sich ablesen, welche Dateien Sie aus der Tauschbörse bezogen "
+           u"haben.");
   DeactivateIfAbsent = false;
-  String dir = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DatabaseDir", u"", RO_None);
+  String dir =
+      GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DatabaseDir", u"", RO_None);
   // The Lite edition shares the value; only one of the two plug-ins owns the folder.
   Active = !dir.empty() && !KazaaLite;
   if (Active) AddFiles(*this, IncludeTrailingPathDelimiter(dir), u"*");
 }
 
 TTCPKazaaPlaylists::TTCPKazaaPlaylists() : TTCPlugin(u"TTCPKazaaPlaylists") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_Kazaa;
-  IconFile = FileNameByID(8003, 27);
-  Caption = u"Wiedergabelisten";
-  Description =
-      u"Kazaa speichert Ihre Wiedergabelisten im Download-Ordner. Sie zeigen, welche "
-      u"heruntergeladenen Musik- und Videodateien Sie abgespielt haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_Kazaa, 8003, u"Wiedergabelisten",
+           u"Kazaa speichert Ihre Wiedergabelisten im Download-Ordner. Sie zeigen, welche "
+           u"heruntergeladenen Musik- und Videodateien Sie abgespielt haben.");
   DeactivateIfAbsent = false;
-  String dir = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DownloadDir", u"", RO_None);
+  String dir =
+      GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DownloadDir", u"", RO_None);
   Active = !dir.empty();
   if (Active) AddFiles(*this, IncludeTrailingPathDelimiter(dir), u"*.kpl");
 }
 
 TTCPKazaaLiteDownloadDB::TTCPKazaaLiteDownloadDB() : TTCPlugin(u"TTCPKazaaLiteDownloadDB") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_KazaaLite;
-  IconFile = FileNameByID(8003, 27);
-  Caption = rsCapDownloadDB;
-  Description =
-      u"Kazaa Lite legt eine Datenbank mit Informationen über alle von Ihnen "
-      u"heruntergeladenen Dateien an. Daran lässt sich ablesen, welche Dateien Sie aus der "
-      u"Tauschbörse bezogen haben.";
-  String dir = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DatabaseDir", u"", RO_None);
+  Describe(rsTCPSection_FileSharing, rsTCPApp_KazaaLite, 8003, rsCapDownloadDB,
+           u"Kazaa Lite legt eine Datenbank mit Informationen über alle von Ihnen "
+           u"heruntergeladenen Dateien an. Daran lässt sich ablesen, welche Dateien Sie aus der "
+           u"Tauschbörse bezogen haben.");
+  String dir =
+      GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DatabaseDir", u"", RO_None);
   // Installed means: the database folder is known and names the Lite edition.
   Active = !dir.empty() && KazaaLite;
   if (Active) AddFiles(*this, IncludeTrailingPathDelimiter(dir), u"*");
 }
 
 TTCPAresSearchlist::TTCPAresSearchlist() : TTCPlugin(u"TTCPAresSearchlist") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_Ares;
-  IconFile = FileNameByID(8006, 27);
-  Caption = u"Liste der zuletzt verwendeten Suchbegriffe";
-  Description =
-      u"Ares speichert alle von Ihnen eingegebenen Suchbegriffe in der "
-      u"Registrierungsdatenbank. Die Begriffe verraten, wonach Sie in der Tauschbörse gesucht "
-      u"haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_Ares, 8006,
+           u"Liste der zuletzt verwendeten Suchbegriffe",
+           u"Ares speichert alle von Ihnen eingegebenen Suchbegriffe in der "
+           u"Registrierungsdatenbank. Die Begriffe verraten, wonach Sie in der Tauschbörse gesucht "
+           u"haben.");
   Active = KeyExist(HKEY_CURRENT_USER, u"Software\\Ares", RO_None);
   DeactivateIfAbsent = false;
   AddRegistryValues(*this, u"Software\\Ares\\Search.History\\gen.gen");
 }
 
 TTCPBitTorrentHistory::TTCPBitTorrentHistory() : TTCPlugin(u"TTCPBitTorrentHistory") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_BitTorrent;
-  IconFile = FileNameByID(8001, 27);
-  Caption = u"Liste der zuletzt eingegebenen Begriffe";
-  Description =
-      u"BitTorrent++ speichert die von Ihnen eingegebenen Begriffe und Adressen in einem "
-      u"Verlaufsordner. Daran lässt sich ablesen, welche Dateien Sie gesucht und "
-      u"heruntergeladen haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_BitTorrent, 8001,
+           u"Liste der zuletzt eingegebenen Begriffe",
+           u"BitTorrent++ speichert die von Ihnen eingegebenen Begriffe und Adressen in einem "
+           u"Verlaufsordner. Daran lässt sich ablesen, welche Dateien Sie gesucht und "
+           u"heruntergeladen haben.");
   // The installer records the program under its product name; a user's installation is
   // where that entry's program lives.
   String cmd = GetRegStringValueDef(HKEY_LOCAL_MACHINE, kUninstallKey + u"BitTorrent++",
@@ -373,13 +337,9 @@ TTCPBitTorrentHistory::TTCPBitTorrentHistory() : TTCPlugin(u"TTCPBitTorrentHisto
 }
 
 TTCPWinMXLogfiles::TTCPWinMXLogfiles() : TTCPlugin(u"TTCPWinMXLogfiles") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_WinMX;
-  IconFile = FileNameByID(8004, 27);
-  Caption = u"Protokoll der durchgeführten Aktionen";
-  Description =
-      u"WinMX protokolliert alle durchgeführten Aktionen wie Suchanfragen, Downloads und "
-      u"Uploads in Protokoll-Dateien im Programmordner.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_WinMX, 8004, u"Protokoll der durchgeführten Aktionen",
+           u"WinMX protokolliert alle durchgeführten Aktionen wie Suchanfragen, Downloads und "
+           u"Uploads in Protokoll-Dateien im Programmordner.");
   String folder = UninstallFolder(u"WinMX");
   Active = !folder.empty() && DirExists(folder);
   if (Active) AddFiles(*this, folder, u"*.log");
@@ -400,14 +360,10 @@ TTCPWarezP2PSearchlist::TTCPWarezP2PSearchlist() : TTCPlugin(u"TTCPWarezP2PSearc
 }
 
 TTCPWarezP2PVerlauf::TTCPWarezP2PVerlauf() : TTCPlugin(u"TTCPWarezP2PVerlauf") {
-  Section = rsTCPSection_FileSharing;
-  AppCaption = rsTCPApp_WarezP2P;
-  IconFile = FileNameByID(8007, 27);
-  Caption = rsCapSearchMRU;
-  Description =
-      u"WarezP2P speichert den Verlauf Ihrer Suchen und Downloads in Dateien im Datenordner "
-      u"des Programms. Daran lässt sich ablesen, welche Dateien Sie gesucht und "
-      u"heruntergeladen haben.";
+  Describe(rsTCPSection_FileSharing, rsTCPApp_WarezP2P, 8007, rsCapSearchMRU,
+           u"WarezP2P speichert den Verlauf Ihrer Suchen und Downloads in Dateien im Datenordner "
+           u"des Programms. Daran lässt sich ablesen, welche Dateien Sie gesucht und "
+           u"heruntergeladen haben.");
   String folder = UninstallFolder(u"Warez P2P Client");
   Active = !folder.empty() && DirExists(folder);
   if (Active) AddFiles(*this, folder + u"Data\\", u"*.dat");
@@ -416,8 +372,8 @@ TTCPWarezP2PVerlauf::TTCPWarezP2PVerlauf() : TTCPlugin(u"TTCPWarezP2PVerlauf") {
 void TCP_FileSharing_Initialization() {
   EMuleFolder = FindClientFolder(u"emule", u"emule.exe");
   EDonkeyFolder = FindClientFolder(u"edonkey", u"edonkey2000.exe");
-  KazaaLite = LowerCase(GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey,
-                                             u"DatabaseDir", u"", RO_None))
+  KazaaLite = LowerCase(GetRegStringValueDef(HKEY_LOCAL_MACHINE, kKazaaContentKey, u"DatabaseDir",
+                                             u"", RO_None))
                   .find(u"lite") != String::npos;
 
   AzureusStatistics = std::make_unique<TTCPAzureusStatistics>();

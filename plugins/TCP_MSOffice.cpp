@@ -23,10 +23,10 @@ const String rsCapOutlookGlyphs = u"Temporäre Grafiken aus E-Mail-Anhängen";
 // The recent-file lists of Office up to 11.0 ("MRU"/"File" values of one key per version)
 // and of 12.0 and 14.0 ("Item" values of "File MRU"), all emptied rather than deleted.
 void AddOfficeList(TTCPlugin& p, const String& key, const String& prefix) {
-  p.AddTraceLocation(TLT_Registry_NumberedNames,
-                     new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, kOffice + key, prefix,
-                                                    LO_StringList),
-                     TTT_ParamFileName, FlagOf(TF_Deletable_Per_Item));
+  p.AddTraceLocation(
+      TLT_Registry_NumberedNames,
+      new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, kOffice + key, prefix, LO_StringList),
+      TTT_ParamFileName, FlagOf(TF_Deletable_Per_Item));
 }
 
 // The application's shortcuts in Office's recent folder.
@@ -39,14 +39,14 @@ void AddRecentShortcuts(TTCPlugin& p, const String& masks) {
 // One location on Outlook's secure temporary folder for each of 11.0 and 14.0 that has one.
 void AddSecureTempFolders(TTCPlugin& p, const String& include, const String& exclude) {
   for (const char16_t* version : {u"11.0", u"14.0"}) {
-    String folder = GetRegStringValueDef(HKEY_CURRENT_USER,
-                                         kOffice + version + u"\\Outlook\\Security",
-                                         u"OutlookSecureTempFolder", u"", RO_None);
+    String folder =
+        GetRegStringValueDef(HKEY_CURRENT_USER, kOffice + version + u"\\Outlook\\Security",
+                             u"OutlookSecureTempFolder", u"", RO_None);
     if (folder.empty()) continue;
-    p.AddTraceLocation(TLT_FileSystem_Files,
-                       new TLD_FileSystem_Files(IncludeTrailingPathDelimiter(folder), include,
-                                                exclude, 0),
-                       TTT_Unknown, 0);
+    p.AddTraceLocation(
+        TLT_FileSystem_Files,
+        new TLD_FileSystem_Files(IncludeTrailingPathDelimiter(folder), include, exclude, 0),
+        TTT_Unknown, 0);
   }
 }
 
@@ -55,8 +55,7 @@ String OutlookFolderPath() { return GetAppDataDir() + u"Microsoft\\Outlook\\"; }
 String RecentFolderOfOffice() {
   // 12.0 is skipped on purpose (kept behaviour): a profile with only 12.0 has no folder here.
   for (const char16_t* version : {u"14.0", u"11.0", u"10.0", u"9.0"}) {
-    String name = GetRegStringValueDef(HKEY_CURRENT_USER,
-                                       kOffice + version + u"\\Common\\General",
+    String name = GetRegStringValueDef(HKEY_CURRENT_USER, kOffice + version + u"\\Common\\General",
                                        u"RecentFiles", u"", RO_None);
     if (!name.empty())
       return IncludeTrailingPathDelimiter(GetAppDataDir() + u"Microsoft\\Office\\" + name);
@@ -83,15 +82,12 @@ int CountNK2Addresses(const Bytes& data) {
 
 TTCPMSOfficeRecentResources::TTCPMSOfficeRecentResources()
     : TTCPlugin(u"TTCPMSOfficeRecentResources") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_MSOffice;
-  IconFile = FileNameByID(2000, 27);
-  Caption = u"Verknüpfungen auf zuletzt verwendete Ordner und Ressourcen";
-  Description =
-      u"Alle Microsoft Office-Anwendungen legen Verknüpfungen auf die zuletzt von Ihnen "
-      u"verwendeten Ordner und Ressourcen wie Internetadressen und Bilder an. Diese "
-      u"Verknüpfungen liegen in einem eigenen Ordner und verraten, womit Sie zuletzt "
-      u"gearbeitet haben.";
+  Describe(rsTCPSection_Office, rsTCPApp_MSOffice, 2000,
+           u"Verknüpfungen auf zuletzt verwendete Ordner und Ressourcen",
+           u"Alle Microsoft Office-Anwendungen legen Verknüpfungen auf die zuletzt von Ihnen "
+           u"verwendeten Ordner und Ressourcen wie Internetadressen und Bilder an. Diese "
+           u"Verknüpfungen liegen in einem eigenen Ordner und verraten, womit Sie zuletzt "
+           u"gearbeitet haben.");
   Active = false;
   AddTraceLocation(TLT_FileSystem_Files,
                    new TLD_FileSystem_Files(OfficeRecentFolder, u"*",
@@ -102,14 +98,10 @@ TTCPMSOfficeRecentResources::TTCPMSOfficeRecentResources()
 }
 
 TTCPMSOfficeAccess::TTCPMSOfficeAccess() : TTCPlugin(u"TTCPMSOfficeAccess") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_Access;
-  IconFile = FileNameByID(2002, 27);
-  Caption = u"Liste der zuletzt verwendeten Datenbanken";
-  Description =
-      u"Microsoft Office Access speichert eine Liste der zuletzt von Ihnen geöffneten "
-      u"Datenbanken. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, der "
-      u"Access auf Ihrem Computer startet.";
+  Describe(rsTCPSection_Office, rsTCPApp_Access, 2002, u"Liste der zuletzt verwendeten Datenbanken",
+           u"Microsoft Office Access speichert eine Liste der zuletzt von Ihnen geöffneten "
+           u"Datenbanken. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, der "
+           u"Access auf Ihrem Computer startet.");
   DeactivateIfAbsent = true;
   AddOfficeList(*this, u"9.0\\Access\\Settings", u"MRU");
   AddOfficeList(*this, u"10.0\\Access\\Settings", u"MRU");
@@ -120,14 +112,11 @@ TTCPMSOfficeAccess::TTCPMSOfficeAccess() : TTCPlugin(u"TTCPMSOfficeAccess") {
 }
 
 TTCPMSOfficeExcel::TTCPMSOfficeExcel() : TTCPlugin(u"TTCPMSOfficeExcel") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_Excel;
-  IconFile = FileNameByID(2004, 27);
-  Caption = u"Liste der zuletzt verwendeten Arbeitsmappen";
-  Description =
-      u"Microsoft Office Excel speichert eine Liste der zuletzt von Ihnen geöffneten "
-      u"Arbeitsmappen. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, "
-      u"der Excel auf Ihrem Computer startet.";
+  Describe(rsTCPSection_Office, rsTCPApp_Excel, 2004,
+           u"Liste der zuletzt verwendeten Arbeitsmappen",
+           u"Microsoft Office Excel speichert eine Liste der zuletzt von Ihnen geöffneten "
+           u"Arbeitsmappen. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, "
+           u"der Excel auf Ihrem Computer startet.");
   DeactivateIfAbsent = true;
   AddOfficeList(*this, u"9.0\\Excel\\Recent Files", u"File");
   AddOfficeList(*this, u"10.0\\Excel\\Recent Files", u"File");
@@ -138,14 +127,11 @@ TTCPMSOfficeExcel::TTCPMSOfficeExcel() : TTCPlugin(u"TTCPMSOfficeExcel") {
 }
 
 TTCPMSOfficePowerPoint::TTCPMSOfficePowerPoint() : TTCPlugin(u"TTCPMSOfficePowerPoint") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_PowerPoint;
-  IconFile = FileNameByID(2005, 27);
-  Caption = u"Liste der zuletzt verwendeten Präsentationen";
-  Description =
-      u"Microsoft Office PowerPoint speichert eine Liste der zuletzt von Ihnen geöffneten "
-      u"Präsentationen. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, "
-      u"der PowerPoint auf Ihrem Computer startet.";
+  Describe(rsTCPSection_Office, rsTCPApp_PowerPoint, 2005,
+           u"Liste der zuletzt verwendeten Präsentationen",
+           u"Microsoft Office PowerPoint speichert eine Liste der zuletzt von Ihnen geöffneten "
+           u"Präsentationen. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, "
+           u"der PowerPoint auf Ihrem Computer startet.");
   DeactivateIfAbsent = true;
   AddOfficeList(*this, u"9.0\\PowerPoint\\Recent File List", u"File");
   AddOfficeList(*this, u"10.0\\PowerPoint\\Recent File List", u"File");
@@ -156,14 +142,10 @@ TTCPMSOfficePowerPoint::TTCPMSOfficePowerPoint() : TTCPlugin(u"TTCPMSOfficePower
 }
 
 TTCPMSOfficeWord::TTCPMSOfficeWord() : TTCPlugin(u"TTCPMSOfficeWord") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_Word;
-  IconFile = FileNameByID(2003, 27);
-  Caption = u"Liste der zuletzt verwendeten Dokumente";
-  Description =
-      u"Microsoft Office Word speichert eine Liste der zuletzt von Ihnen geöffneten "
-      u"Dokumente. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, der "
-      u"Word auf Ihrem Computer startet.";
+  Describe(rsTCPSection_Office, rsTCPApp_Word, 2003, u"Liste der zuletzt verwendeten Dokumente",
+           u"Microsoft Office Word speichert eine Liste der zuletzt von Ihnen geöffneten "
+           u"Dokumente. Diese Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, der "
+           u"Word auf Ihrem Computer startet.");
   Active = false;
   AddOfficeList(*this, u"12.0\\Word\\File MRU", u"Item");
   AddOfficeList(*this, u"14.0\\Word\\File MRU", u"Item");
@@ -171,14 +153,11 @@ TTCPMSOfficeWord::TTCPMSOfficeWord() : TTCPlugin(u"TTCPMSOfficeWord") {
 }
 
 TTCPMSOfficeImaging::TTCPMSOfficeImaging() : TTCPlugin(u"TTCPMSOfficeImaging") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_MSOffice + u" Imaging";
-  IconFile = FileNameByID(2000, 27);
-  Caption = u"Office Document Imaging: Liste der zuletzt verwendeten Bilder";
-  Description =
-      u"Microsoft Office Document Imaging ist eine Anwendung zum Scannen und Betrachten von "
-      u"Bildern, die eine Liste der zuletzt von Ihnen verwendeten Bilder speichert. Diese "
-      u"Liste verrät, welche Dokumente Sie zuletzt eingescannt oder angesehen haben.";
+  Describe(rsTCPSection_Office, rsTCPApp_MSOffice + u" Imaging", 2000,
+           u"Office Document Imaging: Liste der zuletzt verwendeten Bilder",
+           u"Microsoft Office Document Imaging ist eine Anwendung zum Scannen und Betrachten von "
+           u"Bildern, die eine Liste der zuletzt von Ihnen verwendeten Bilder speichert. Diese "
+           u"Liste verrät, welche Dokumente Sie zuletzt eingescannt oder angesehen haben.");
   Active = KeyExist(HKEY_CURRENT_USER, kOffice + u"11.0", RO_None);
   DeactivateIfAbsent = false;
   for (const char16_t* key : {u"Software\\Microsoft\\MSPaper 11.0\\Persist File Name",
@@ -190,14 +169,10 @@ TTCPMSOfficeImaging::TTCPMSOfficeImaging() : TTCPlugin(u"TTCPMSOfficeImaging") {
 }
 
 TTCPOutlookAutoFill::TTCPOutlookAutoFill() : TTCPlugin(u"TTCPOutlookAutoFill") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_Outlook;
-  IconFile = FileNameByID(2001, 27);
-  Caption = u"Liste der eingegebenen E-Mail-Adressen";
-  Description =
-      u"Microsoft Outlook speichert die von Ihnen eingegebenen E-Mail-Adresse in einer Datei. "
-      u"Beim Schreiben einer neuen E-Mail werden diese Adressen zur automatischen "
-      u"Vervollständigung angeboten und verraten so, mit wem Sie in Kontakt stehen.";
+  Describe(rsTCPSection_Office, rsTCPApp_Outlook, 2001, u"Liste der eingegebenen E-Mail-Adressen",
+           u"Microsoft Outlook speichert die von Ihnen eingegebenen E-Mail-Adresse in einer Datei. "
+           u"Beim Schreiben einer neuen E-Mail werden diese Adressen zur automatischen "
+           u"Vervollständigung angeboten und verraten so, mit wem Sie in Kontakt stehen.");
   OutlookFolder = OutlookFolderPath();
   Active = DirExists(OutlookFolder);
 }
@@ -226,28 +201,20 @@ void TTCPOutlookAutoFill::Clean() {
 }
 
 TTCPOutlookSecurityGlyphs::TTCPOutlookSecurityGlyphs() : TTCPlugin(u"TTCPOutlookSecurityGlyphs") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_Outlook;
-  IconFile = FileNameByID(2001, 27);
-  Caption = rsCapOutlookGlyphs;
-  Description =
-      u"Microsoft Outlook speichert alle Grafiken aus E-Mails und E-Mail-Anhängen in einem "
-      u"temporären Ordner, um diese bei erneutem Öffnen der E-Mail schneller anzeigen zu "
-      u"können. Die Grafiken bleiben dort auch dann erhalten, wenn Sie die E-Mail längst "
-      u"gelöscht haben.";
+  Describe(rsTCPSection_Office, rsTCPApp_Outlook, 2001, rsCapOutlookGlyphs,
+           u"Microsoft Outlook speichert alle Grafiken aus E-Mails und E-Mail-Anhängen in einem "
+           u"temporären Ordner, um diese bei erneutem Öffnen der E-Mail schneller anzeigen zu "
+           u"können. Die Grafiken bleiben dort auch dann erhalten, wenn Sie die E-Mail längst "
+           u"gelöscht haben.");
   Active = DirExists(OutlookFolderPath());
   AddSecureTempFolders(*this, kPictureMasks, u"");
 }
 
 TTCPOutlookSecurityFiles::TTCPOutlookSecurityFiles() : TTCPlugin(u"TTCPOutlookSecurityFiles") {
-  Section = rsTCPSection_Office;
-  AppCaption = rsTCPApp_Outlook;
-  IconFile = FileNameByID(2001, 27);
-  Caption = u"Temporäre Dateien aus E-Mail-Anhängen";
-  Description =
-      u"Microsoft Outlook speichert alle schon einmal geöffneten Dateien aus "
-      u"E-Mail-Anhängen in einem temporären Ordner. Die Dateien bleiben dort auch dann "
-      u"erhalten, wenn Sie die E-Mail längst gelöscht haben.";
+  Describe(rsTCPSection_Office, rsTCPApp_Outlook, 2001, u"Temporäre Dateien aus E-Mail-Anhängen",
+           u"Microsoft Outlook speichert alle schon einmal geöffneten Dateien aus "
+           u"E-Mail-Anhängen in einem temporären Ordner. Die Dateien bleiben dort auch dann "
+           u"erhalten, wenn Sie die E-Mail längst gelöscht haben.");
   Active = DirExists(OutlookFolderPath());
   AddSecureTempFolders(*this, u"*", kPictureMasks);
 }

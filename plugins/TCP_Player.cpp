@@ -22,7 +22,8 @@ String WinampIni() { return WinampFolder.empty() ? String() : WinampFolder + u"W
 
 String FindWinampFolder() {
   String folder = GetFolderLocStr(kCSIDL_PROGRAM_FILES) + u"\\Winamp";
-  String configured = GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\Winamp", u"", u"", RO_None);
+  String configured =
+      GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\Winamp", u"", u"", RO_None);
   if (!configured.empty()) folder = configured;
   folder = IncludeTrailingPathDelimiter(folder);
   return OrviFileExists(folder + u"Winamp.ini") ? folder : String();
@@ -69,14 +70,10 @@ std::unique_ptr<TTCPWMPlayerRecentFiles> WMPlayerRecentFiles;
 }  // namespace
 
 TTCPQuickTimeRecentMovies::TTCPQuickTimeRecentMovies() : TTCPlugin(u"TTCPQuickTimeRecentMovies") {
-  Section = rsTCPSection_Player;
-  AppCaption = u"QuickTime";
-  IconFile = FileNameByID(3000, 27);
-  Caption = u"Liste der zuletzt abgespielte Videos";
-  Description =
-      u"Alle von Ihnen abgespielten Videodateien werden von QuickTime in einer Verlaufsliste "
-      u"abgespeichert. Diese Liste ist für jeden sichtbar, der QuickTime auf Ihrem Computer "
-      u"startet.";
+  Describe(rsTCPSection_Player, u"QuickTime", 3000, u"Liste der zuletzt abgespielte Videos",
+           u"Alle von Ihnen abgespielten Videodateien werden von QuickTime in einer Verlaufsliste "
+           u"abgespeichert. Diese Liste ist für jeden sichtbar, der QuickTime auf Ihrem Computer "
+           u"startet.");
   const String key = u"SOFTWARE\\Apple Computer, Inc.\\QuickTime\\Recent Movies";
   AddTraceLocation(TLT_Registry_AllValues, new TLD_Registry_AllValues(HKEY_LOCAL_MACHINE, key, 0),
                    TTT_Unknown, 0);
@@ -85,18 +82,15 @@ TTCPQuickTimeRecentMovies::TTCPQuickTimeRecentMovies() : TTCPlugin(u"TTCPQuickTi
 }
 
 TTCPRealPlayerRecentFiles::TTCPRealPlayerRecentFiles() : TTCPlugin(u"TTCPRealPlayerRecentFiles") {
-  Section = rsTCPSection_Player;
-  AppCaption = u"RealPlayer";
-  IconFile = FileNameByID(3002, 27);
-  Caption = u"Liste der zuletzt abgespielten Medien und gespeicherte Cookies";
-  Description =
-      u"Alle von Ihnen abgespielten Medien werden vom RealPlayer in einer Verlaufsliste "
-      u"abgespeichert. Außerdem legt der RealPlayer eigene Cookies und eine Liste der "
-      u"zuletzt aufgerufenen Internetadressen an.";
+  Describe(rsTCPSection_Player, u"RealPlayer", 3002,
+           u"Liste der zuletzt abgespielten Medien und gespeicherte Cookies",
+           u"Alle von Ihnen abgespielten Medien werden vom RealPlayer in einer Verlaufsliste "
+           u"abgespeichert. Außerdem legt der RealPlayer eigene Cookies und eine Liste der "
+           u"zuletzt aufgerufenen Internetadressen an.");
   AddTraceLocation(TLT_Registry_NumberedKeys,
-                   new TLD_Registry_NumberedKeys(HKEY_CURRENT_USER,
-                                                 u"Software\\RealNetworks\\RealPlayer\\6.0\\Preferences",
-                                                 u"MostRecentClips", 0),
+                   new TLD_Registry_NumberedKeys(
+                       HKEY_CURRENT_USER, u"Software\\RealNetworks\\RealPlayer\\6.0\\Preferences",
+                       u"MostRecentClips", 0),
                    TTT_Unknown, 0);
   // Joined explicitly with delimiters, so reported paths read folder\name.
   String folder = GetAppDataDir() + u"Real\\RealPlayer\\";
@@ -135,8 +129,8 @@ TTCPWinampDefaultPlaylist::TTCPWinampDefaultPlaylist() : TTCPlugin(u"TTCPWinampD
       u"in seinem Programmordner. Sie verrät, welche Musik- und Videodateien Sie zuletzt "
       u"abgespielt haben.";
   Active = false;
-  AddTraceLocation(TLT_FileSystem_Files, new TLD_FileSystem_Files(WinampFolder, u"winamp.m3u", u"", 0),
-                   TTT_Unknown, 0);
+  AddTraceLocation(TLT_FileSystem_Files,
+                   new TLD_FileSystem_Files(WinampFolder, u"winamp.m3u", u"", 0), TTT_Unknown, 0);
 }
 
 TTCPWinampRecentFolder::TTCPWinampRecentFolder() : TTCPlugin(u"TTCPWinampRecentFolder") {
@@ -159,22 +153,19 @@ void TTCPWinampRecentFolder::Clean() {
 }
 
 TTCPWMPlayerRecentFiles::TTCPWMPlayerRecentFiles() : TTCPlugin(u"TTCPWMPlayerRecentFiles") {
-  Section = rsTCPSection_Player;
-  AppCaption = u"Windows Media Player";
-  IconFile = FileNameByID(3003, 27);
-  Caption = u"Liste der zuletzt geöffneten Medien";
-  Description =
-      u"Der Windows Media Player speichert eine Liste der zuletzt von Ihnen geöffneten "
-      u"Musik- und Videodateien. Diese Liste wird im Menü Datei angezeigt und ist für jeden "
-      u"sichtbar, der den Media Player auf Ihrem Computer startet.";
+  Describe(rsTCPSection_Player, u"Windows Media Player", 3003,
+           u"Liste der zuletzt geöffneten Medien",
+           u"Der Windows Media Player speichert eine Liste der zuletzt von Ihnen geöffneten "
+           u"Musik- und Videodateien. Diese Liste wird im Menü Datei angezeigt und ist für jeden "
+           u"sichtbar, der den Media Player auf Ihrem Computer startet.");
   DeactivateIfAbsent = false;
-  AddTraceLocation(TLT_Registry_NumberedNames,
-                   new TLD_Registry_NumberedNames(HKEY_CURRENT_USER,
-                                                  u"Software\\Microsoft\\MediaPlayer\\Player\\RecentFileList",
-                                                  u"File", 0),
-                   TTT_FileName,
-                   FlagOf(TF_Deletable_Per_Item) | FlagOf(TF_Needs_Fix_After_Cleaning) |
-                       FlagOf(TF_Zero_Based));
+  AddTraceLocation(
+      TLT_Registry_NumberedNames,
+      new TLD_Registry_NumberedNames(HKEY_CURRENT_USER,
+                                     u"Software\\Microsoft\\MediaPlayer\\Player\\RecentFileList",
+                                     u"File", 0),
+      TTT_FileName,
+      FlagOf(TF_Deletable_Per_Item) | FlagOf(TF_Needs_Fix_After_Cleaning) | FlagOf(TF_Zero_Based));
 }
 
 void TCP_Player_Initialization() {
