@@ -36,24 +36,6 @@ String PowerArchiverFiles() {
   return (key.empty() ? kPowerArchiver : key) + u"\\Files";
 }
 
-void InitWinRAR(TTCPlugin& p) {
-  p.Section = rsTCPSection_Archiver;
-  p.AppCaption = rsTCPApp_WinRAR;
-  p.IconFile = FileNameByID(7000, 27);
-}
-
-void InitWinZip(TTCPlugin& p) {
-  p.Section = rsTCPSection_Archiver;
-  p.AppCaption = rsTCPApp_WinZip;
-  p.IconFile = FileNameByID(7001, 27);
-}
-
-void InitPowerArchiver(TTCPlugin& p) {
-  p.Section = rsTCPSection_Archiver;
-  p.AppCaption = rsTCPApp_PowerArchiver;
-  p.IconFile = FileNameByID(7002, 27);
-}
-
 std::unique_ptr<TTCPWinRARRecentArchives> WinRARRecentArchives;
 std::unique_ptr<TTCPWinRARRecentFolders> WinRARRecentFolders;
 std::unique_ptr<TTCPWinRARCreatedArchives> WinRARCreatedArchives;
@@ -75,12 +57,10 @@ String PowerArchiverKey() {
 }
 
 TTCPWinRARRecentArchives::TTCPWinRARRecentArchives() : TTCPlugin(u"TTCPWinRARRecentArchives") {
-  InitWinRAR(*this);
-  Caption = u"Liste der zuletzt geöffneten Archive";
-  Description =
-      u"WinRAR speichert eine Liste der zuletzt von Ihnen geöffneten Archive. Diese Liste "
-      u"wird im Menü Datei angezeigt und ist für jeden sichtbar, der WinRAR auf Ihrem "
-      u"Computer startet.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_WinRAR, 7000, u"Liste der zuletzt geöffneten Archive",
+           u"WinRAR speichert eine Liste der zuletzt von Ihnen geöffneten Archive. Diese Liste "
+           u"wird im Menü Datei angezeigt und ist für jeden sichtbar, der WinRAR auf Ihrem "
+           u"Computer startet.");
   Active = KeyExist(HKEY_CURRENT_USER, kWinRAR, RO_None);
   DeactivateIfAbsent = false;
   AddNumberedNames(*this, kArcHistory, u"", 0, TTT_FileName, kFixedZeroBased);
@@ -96,11 +76,9 @@ void TTCPWinRARRecentArchives::Clean() {
 }
 
 TTCPWinRARRecentFolders::TTCPWinRARRecentFolders() : TTCPlugin(u"TTCPWinRARRecentFolders") {
-  InitWinRAR(*this);
-  Caption = u"Liste der zuletzt verwendeten Ordner";
-  Description =
-      u"WinRAR speichert eine Liste der Ordner, in die Sie zuletzt Archive entpackt haben, "
-      u"und merkt sich den zuletzt geöffneten Ordner.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_WinRAR, 7000, u"Liste der zuletzt verwendeten Ordner",
+           u"WinRAR speichert eine Liste der Ordner, in die Sie zuletzt Archive entpackt haben, "
+           u"und merkt sich den zuletzt geöffneten Ordner.");
   Active = KeyExist(HKEY_CURRENT_USER, kWinRAR, RO_None);
   DeactivateIfAbsent = false;
   AddNumberedNames(*this, u"Software\\WinRAR\\DialogEditHistory\\ExtrPath", u"", 0,
@@ -112,23 +90,19 @@ TTCPWinRARRecentFolders::TTCPWinRARRecentFolders() : TTCPlugin(u"TTCPWinRARRecen
 }
 
 TTCPWinRARCreatedArchives::TTCPWinRARCreatedArchives() : TTCPlugin(u"TTCPWinRARCreatedArchives") {
-  InitWinRAR(*this);
-  Caption = u"Namen der zuletzt erstellten Archive";
-  Description =
-      u"WinRAR speichert die Namen der zuletzt von Ihnen erstellten Archive und bietet sie "
-      u"beim Anlegen eines neuen Archivs zur Auswahl an.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_WinRAR, 7000, u"Namen der zuletzt erstellten Archive",
+           u"WinRAR speichert die Namen der zuletzt von Ihnen erstellten Archive und bietet sie "
+           u"beim Anlegen eines neuen Archivs zur Auswahl an.");
   Active = KeyExist(HKEY_CURRENT_USER, kWinRAR, RO_None);
   DeactivateIfAbsent = false;
   AddNumberedNames(*this, u"Software\\WinRAR\\DialogEditHistory\\ArcName", u"", 0, TTT_Unknown, 0);
 }
 
 TTCPWinZipRecentArchives::TTCPWinZipRecentArchives() : TTCPlugin(u"TTCPWinZipRecentArchives") {
-  InitWinZip(*this);
-  Caption = u"Liste der zuletzt verwendeten Archive";
-  Description =
-      u"WinZip speichert eine Liste der zuletzt von Ihnen verwendeten Archive. Diese Liste "
-      u"wird im Menü Datei angezeigt und ist für jeden sichtbar, der WinZip auf Ihrem "
-      u"Computer startet.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_WinZip, 7001, u"Liste der zuletzt verwendeten Archive",
+           u"WinZip speichert eine Liste der zuletzt von Ihnen verwendeten Archive. Diese Liste "
+           u"wird im Menü Datei angezeigt und ist für jeden sichtbar, der WinZip auf Ihrem "
+           u"Computer startet.");
   Active = KeyExist(HKEY_CURRENT_USER, kWinZip, RO_None);
   DeactivateIfAbsent = false;
   AddNumberedNames(*this, kWinZip + u"\\filemenu", u"filemenu", 0, TTT_FileOrFolderName,
@@ -136,11 +110,10 @@ TTCPWinZipRecentArchives::TTCPWinZipRecentArchives() : TTCPlugin(u"TTCPWinZipRec
 }
 
 TTCPWinZipTargetFolders::TTCPWinZipTargetFolders() : TTCPlugin(u"TTCPWinZipTargetFolders") {
-  InitWinZip(*this);
-  Caption = u"Liste der Ordner, in die zuletzt Dateien entpackt wurden";
-  Description =
-      u"WinZip speichert eine Liste der Ordner, in die Sie zuletzt Dateien entpackt haben, "
-      u"und bietet sie beim nächsten Entpacken zur Auswahl an.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_WinZip, 7001,
+           u"Liste der Ordner, in die zuletzt Dateien entpackt wurden",
+           u"WinZip speichert eine Liste der Ordner, in die Sie zuletzt Dateien entpackt haben, "
+           u"und bietet sie beim nächsten Entpacken zur Auswahl an.");
   Active = KeyExist(HKEY_CURRENT_USER, kWinZip, RO_None);
   DeactivateIfAbsent = false;
   AddNumberedNames(*this, kWinZip + u"\\extract", u"extract", 0, TTT_FileOrFolderName,
@@ -149,22 +122,20 @@ TTCPWinZipTargetFolders::TTCPWinZipTargetFolders() : TTCPlugin(u"TTCPWinZipTarge
 
 TTCPPowerArcRecentArchives::TTCPPowerArcRecentArchives()
     : TTCPlugin(u"TTCPPowerArcRecentArchives") {
-  InitPowerArchiver(*this);
-  Caption = u"Liste der zuletzt verwendeten Archive";
-  Description =
-      u"PowerArchiver speichert eine Liste der zuletzt von Ihnen verwendeten Archive. Diese "
-      u"Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, der PowerArchiver auf "
-      u"Ihrem Computer startet.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_PowerArchiver, 7002,
+           u"Liste der zuletzt verwendeten Archive",
+           u"PowerArchiver speichert eine Liste der zuletzt von Ihnen verwendeten Archive. Diese "
+           u"Liste wird im Menü Datei angezeigt und ist für jeden sichtbar, der PowerArchiver auf "
+           u"Ihrem Computer startet.");
   AddNumberedNames(*this, PowerArchiverFiles(), u"Active_File", LO_StringList, TTT_FileName,
                    FlagOf(TF_Clearable_Per_Item));
 }
 
 TTCPPowerArcRecentFolders::TTCPPowerArcRecentFolders() : TTCPlugin(u"TTCPPowerArcRecentFolders") {
-  InitPowerArchiver(*this);
-  Caption = u"Liste der zuletzt verwendeten Ordner";
-  Description =
-      u"PowerArchiver speichert eine Liste der Ordner, die Sie zuletzt zum Entpacken, "
-      u"Hinzufügen und Öffnen von Dateien verwendet haben.";
+  Describe(rsTCPSection_Archiver, rsTCPApp_PowerArchiver, 7002,
+           u"Liste der zuletzt verwendeten Ordner",
+           u"PowerArchiver speichert eine Liste der Ordner, die Sie zuletzt zum Entpacken, "
+           u"Hinzufügen und Öffnen von Dateien verwendet haben.");
   const TTraceFlags clearable = FlagOf(TF_Clearable_Per_Item);
   AddNumberedNames(*this, PowerArchiverFiles(), u"Extract", LO_StringList, TTT_FileOrFolderName,
                    clearable);

@@ -54,12 +54,6 @@ StringList RecentURLKeys() {
 }
 
 // The first recipe steps all three Winamp plug-ins share: section, application, icon.
-void InitWinamp(TTCPlugin& p) {
-  p.Section = rsTCPSection_Player;
-  p.AppCaption = rsTCPApp_Winamp;
-  p.IconFile = FileNameByID(3001, 27);
-}
-
 std::unique_ptr<TTCPQuickTimeRecentMovies> QuickTimeRecentMovies;
 std::unique_ptr<TTCPRealPlayerRecentFiles> RealPlayerRecentFiles;
 std::unique_ptr<TTCPWinampRecentURLs> WinampRecentURLs;
@@ -102,12 +96,11 @@ TTCPRealPlayerRecentFiles::TTCPRealPlayerRecentFiles() : TTCPlugin(u"TTCPRealPla
 }
 
 TTCPWinampRecentURLs::TTCPWinampRecentURLs() : TTCPlugin(u"TTCPWinampRecentURLs") {
-  InitWinamp(*this);
-  Caption = u"Liste der zuletzt abgespielten Radio- und Videostreams";
-  Description =
-      u"Winamp speichert die Adressen der zuletzt von Ihnen abgespielten Radio- und "
-      u"Videostreams in seiner Einstellungsdatei. Daran lässt sich ablesen, welche Sender Sie "
-      u"gehört und gesehen haben.";
+  Describe(rsTCPSection_Player, rsTCPApp_Winamp, 3001,
+           u"Liste der zuletzt abgespielten Radio- und Videostreams",
+           u"Winamp speichert die Adressen der zuletzt von Ihnen abgespielten Radio- und "
+           u"Videostreams in seiner Einstellungsdatei. Daran lässt sich ablesen, welche Sender Sie "
+           u"gehört und gesehen haben.");
   Active = false;
 }
 
@@ -122,23 +115,19 @@ void TTCPWinampRecentURLs::Clean() {
 }
 
 TTCPWinampDefaultPlaylist::TTCPWinampDefaultPlaylist() : TTCPlugin(u"TTCPWinampDefaultPlaylist") {
-  InitWinamp(*this);
-  Caption = u"Standard-Wiedergabeliste";
-  Description =
-      u"Winamp speichert die zuletzt geöffnete Wiedergabeliste als Standard-Wiedergabeliste "
-      u"in seinem Programmordner. Sie verrät, welche Musik- und Videodateien Sie zuletzt "
-      u"abgespielt haben.";
+  Describe(rsTCPSection_Player, rsTCPApp_Winamp, 3001, u"Standard-Wiedergabeliste",
+           u"Winamp speichert die zuletzt geöffnete Wiedergabeliste als Standard-Wiedergabeliste "
+           u"in seinem Programmordner. Sie verrät, welche Musik- und Videodateien Sie zuletzt "
+           u"abgespielt haben.");
   Active = false;
   AddTraceLocation(TLT_FileSystem_Files,
                    new TLD_FileSystem_Files(WinampFolder, u"winamp.m3u", u"", 0), TTT_Unknown, 0);
 }
 
 TTCPWinampRecentFolder::TTCPWinampRecentFolder() : TTCPlugin(u"TTCPWinampRecentFolder") {
-  InitWinamp(*this);
-  Caption = u"Zuletzt verwendeter Ordner";
-  Description =
-      u"Winamp merkt sich den Ordner, aus dem Sie zuletzt Dateien geöffnet haben, in seiner "
-      u"Einstellungsdatei.";
+  Describe(rsTCPSection_Player, rsTCPApp_Winamp, 3001, u"Zuletzt verwendeter Ordner",
+           u"Winamp merkt sich den Ordner, aus dem Sie zuletzt Dateien geöffnet haben, in seiner "
+           u"Einstellungsdatei.");
   Active = false;
 }
 
