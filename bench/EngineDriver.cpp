@@ -9,7 +9,7 @@
 #include <string>
 
 #include "bench/BenchImage.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 
 using namespace tc;
 

@@ -7,9 +7,9 @@
 #include <map>
 
 #include "bench/BenchImage.h"
-#include "platform/RegData.h"
-#include "platform/Stringhelper.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/RegData.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/memory/MemoryPlatform.h"
 #include "platform/offline/OfflineImage.h"
 

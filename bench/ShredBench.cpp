@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "bench/BenchImage.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace tc::bench {

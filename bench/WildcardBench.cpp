@@ -1,8 +1,8 @@
 // TWildcardMatcher over long include and exclude mask lists.
 #include <benchmark/benchmark.h>
 
-#include "platform/Stringhelper.h"
-#include "platform/WildcardMatcher.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/WildcardMatcher.h"
 
 namespace tc {
 namespace {

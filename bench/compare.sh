@@ -4,7 +4,8 @@
 #   BleachBit's preview when it is installed;
 #   cleaning that tree against find -delete and shred -n 1 -u;
 #   shredding large files (10 x 20 MiB) against shred -n 1 -u;
-#   peak memory of counting and cleaning, against the number of files.
+#   peak memory of counting and cleaning, against the number of files;
+#   then the same jobs through the tracecleaner command on offline images (bench/command.sh).
 # Rows are medians with the smallest and largest run beside them; the ratio is
 # engine / other. Data lives in a temporary folder under build-bench/ and is removed after.
 # Usage: bench/compare.sh [RUNS]    (RUNS defaults to 3; TC_BENCH_SETUP=0 skips tools/setup.sh)
@@ -24,7 +25,7 @@ log() { printf '%s\n' "$*" >&2; }
 if [ "${TC_BENCH_SETUP:-1}" != 0 ]; then "$root/tools/setup.sh" --bench; fi
 log "== building the driver (Release) in $build"
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DTC_BUILD_BENCH=ON >/dev/null
-cmake --build "$build" -j2 --target tc_engine_driver >/dev/null
+cmake --build "$build" -j2 --target tc_engine_driver tracecleaner tc_mkimage >/dev/null
 driver=$build/bench/tc_engine_driver
 
 work=$(mktemp -d "$build/compare.XXXXXX")
@@ -205,3 +206,6 @@ if [ -z "$peer" ]; then
   echo
   echo "BleachBit is not installed (Debian package bleachbit): its row is left out."
 fi
+
+log "== through the command"
+"$root/bench/command.sh" "$build" "$work" "$runs"

@@ -4,7 +4,7 @@
 
 #include "engine/TC_Common.h"
 #include "platform/Platform.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 

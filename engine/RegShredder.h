@@ -1,6 +1,6 @@
 // Registry string values are overwritten before they are deleted.
 #pragma once
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orviregistry.h"
 
 namespace tc {
 

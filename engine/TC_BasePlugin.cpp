@@ -4,9 +4,10 @@
 #include <algorithm>
 
 #include "engine/TC_Common.h"
-#include "platform/Orvihelper.h"
-#include "platform/Stringhelper.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/ErrorText.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -62,6 +63,26 @@ bool TTCPlugin::ShowCleanItem(const String& ActionCaption, const String& SubCapt
   return true;
 }
 
+void TTCPlugin::AddCleanFailure(TTraceSourceType SourceType, const TTraceSourceData& Source,
+                                const String& Operation, uint32_t ErrorCode, bool Scheduled) {
+  if (!Plugins) return;
+  Plugins->CleanFailures.push_back(TCleanFailure{ID, this, SourceType, Source, Operation,
+                                                 ErrorCode, SysErrorMessage(ErrorCode),
+                                                 Scheduled});
+}
+
+void TTCPlugin::AddFileCleanFailure(const String& FileName, const String& Operation,
+                                    uint32_t ErrorCode, bool Scheduled) {
+  AddCleanFailure(TST_FileSystem_File, {kNoRootKey, {}, {}, FileName}, Operation, ErrorCode,
+                  Scheduled);
+}
+
+TCleanOutcome CleanOutcome(bool Ran, bool Raised, int Before, int Left) {
+  if (!Ran) return CO_Skipped;
+  if (Left <= 0 && !Raised) return CO_Cleaned;
+  return Left < Before ? CO_PartlyCleaned : CO_Failed;
+}
+
 void TTCPlugin::ReportTrace(TTraceSourceType type, const TTraceSourceData& source,
                             TTraceTargetType target, TTraceFlags flags, const String& data) {
   if (OnScanTraceFound) OnScanTraceFound(this, type, source, target, flags, data);
@@ -76,8 +97,9 @@ bool IsNumberedName(const String& Name, const String& Prefix, int64_t& Number) {
 }
 
 void TPluginList::Remove(TTCPlugin* Plugin) {
-  auto it = std::find(Items_.begin(), Items_.end(), Plugin);
-  if (it != Items_.end()) Items_.erase(it);
+  // From the back: plug-ins made last (thousands from a rules file) go first.
+  auto it = std::find(Items_.rbegin(), Items_.rend(), Plugin);
+  if (it != Items_.rend()) Items_.erase(std::next(it).base());
 }
 
 int TPluginList::IndexOf(const TTCPlugin* Plugin) const {
@@ -94,6 +116,13 @@ int TPluginList::CountNotCleanedTraces(const TTCPlugin* Plugin) const {
     if (r.PluginID == Plugin->ID) return r.Count;
   }
   return 0;
+}
+
+int TPluginList::CountCleanFailures(const TTCPlugin* Plugin, bool unscheduledOnly) const {
+  int n = 0;
+  for (const auto& f : CleanFailures)
+    n += f.Plugin == Plugin && !(unscheduledOnly && f.Scheduled);
+  return n;
 }
 
 void TPluginList::Sort() {

@@ -4,9 +4,9 @@
 #include <functional>
 #include <memory>
 
-#include "platform/Orvishredderclass.h"
-#include "platform/Timer.h"
-#include "platform/WildcardMatcher.h"
+#include "platform/helpers/Orvishredderclass.h"
+#include "platform/helpers/Timer.h"
+#include "platform/helpers/WildcardMatcher.h"
 #include "platform/WinTypes.h"
 
 namespace tc {
@@ -81,6 +81,31 @@ struct TNotDeletedTraces {
   TTCPlugin* Plugin = nullptr;  // not owned
 };
 
+// One trace a clean meant to remove and could not. Kept apart from TNotDeletedTraces,
+// which counts the traces kept on purpose (cookies on a keep-list).
+struct TCleanFailure {
+  String PluginID;
+  TTCPlugin* Plugin = nullptr;  // not owned
+  TTraceSourceType SourceType = TST_Unknown;
+  TTraceSourceData Source;      // where the trace is, as the scan reports it
+  String Operation;             // what failed: "overwrite file", "remove file", "delete value", ...
+  uint32_t ErrorCode = 0;       // the system's reason, as a Windows error code
+  String Reason;                // that code in words
+  bool Scheduled = false;       // registered instead for removal at the next start of Windows
+};
+
+// How a plug-in's clean ended.
+enum TCleanOutcome : uint8_t {
+  CO_Cleaned,        // nothing left that was meant to go
+  CO_PartlyCleaned,  // some traces removed, some left
+  CO_Failed,         // nothing removed, or the clean raised before removing anything
+  CO_Skipped         // not cleaned at all (not chosen, nothing found, or stopped before it)
+};
+
+// `Before`: traces the scan found; `Left`: traces that should have gone and are still there
+// (failures not scheduled for the next start, or a later scan's count beyond the kept ones).
+TCleanOutcome CleanOutcome(bool Ran, bool Raised, int Before, int Left);
+
 using TScanProgressEvent =
     std::function<void(TTCPlugin* Sender, int Promille, const String& DisplayString,
                        bool MustDisplay)>;
@@ -91,6 +116,13 @@ using TCleanProgressEvent =
     std::function<void(TTCPlugin* Sender, int Promille, const String& ActionCaption,
                        const String& SubCaption, bool MustDisplay)>;
 using TOnSecureDeleteEvent = std::function<void(TTCPlugin* Sender, int Percent)>;
+// A trace the scan counts without raising OnScanTraceFound for it (walked sub-folders,
+// counted keys and list items, records of an application's file), so that a host can still
+// show every trace a clean would remove. `Size` is a file's size, -1 where unknown.
+using TPreviewTraceEvent = std::function<void(
+    TTCPlugin* Sender, TTraceSourceType TraceSourceType, const TTraceSourceData& TraceSourceData,
+    TTraceTargetType TraceTargetType, TTraceFlags TraceFlags, const String& TraceTargetData,
+    int64_t Size)>;
 
 // Common base of the descriptors, only so a location can own any of them.
 struct TLD_Base {
@@ -201,6 +233,8 @@ class TTCPlugin {
   TScanTraceFoundEvent OnScanTraceFound;
   TCleanProgressEvent OnCleanProgress;
   TOnSecureDeleteEvent OnSecureDelete;
+  // Assigned by a host that previews traces; walks then also read file sizes.
+  TPreviewTraceEvent OnPreviewTrace;
   int ScanPosition = 0;
   int CleanPosition = 0;
   double ProgressFactor = 0;
@@ -224,6 +258,14 @@ class TTCPlugin {
   bool RebootRequired = false;
   // Asks the host to tell the user something after cleaning; nothing in the package reads it.
   bool HostNotice = false;
+  // Why the last scan or clean left something alone (a file it does not read), in words for
+  // the host's report; empty when there is nothing to say. The plug-in that sets it clears it.
+  String Note;
+  // What the user must read before this plug-in cleans (shown with the confirmation).
+  String Warning;
+  // What the cleans so far removed through the shredder.
+  StringList RemovedFiles;
+  int64_t RemovedBytes = 0;
   int64_t ShredTotalSize = 0;
   bool ShredTimerElapsed = false;
   TTimer ShredTimer;
@@ -248,8 +290,21 @@ class TTCPlugin {
   void IncTraceCount(int N) { TraceCount += N; }
   bool ShowScanItem(const String& DisplayString, bool MustDisplay);
   bool ShowCleanItem(const String& ActionCaption, const String& SubCaption, bool MustDisplay);
+  // Records a trace this plug-in's clean could not remove in Plugins->CleanFailures.
+  // Raises OnPreviewTrace: for traces a scan counts without reporting them.
+  void PreviewTrace(TTraceSourceType type, const TTraceSourceData& source,
+                    TTraceTargetType target, TTraceFlags flags, const String& data,
+                    int64_t size = -1);
+  // Previews `Count` traces held in one file (or place) that the scan counts but cannot name
+  // one by one: "entry 1 of 3", ...
+  void PreviewEntries(const String& FileName, int Count, int64_t Size = -1);
+  void AddCleanFailure(TTraceSourceType SourceType, const TTraceSourceData& Source,
+                       const String& Operation, uint32_t ErrorCode, bool Scheduled = false);
+  void AddFileCleanFailure(const String& FileName, const String& Operation, uint32_t ErrorCode,
+                           bool Scheduled = false);
 
-  void TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
+  // False when a stop request ended the walk.
+  bool TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
   void DeleteFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
   void Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const String& ValueName);
   uint8_t ScanForSystemfolder(const String& Folder);
@@ -266,12 +321,19 @@ class TTCPlugin {
                    TTraceTargetType target, TTraceFlags flags, const String& data);
 
  private:
-  void ScanLocation(const TTraceLocation& loc, int& registryFound, int& filesFound,
+  // False when a stop request ended the scan.
+  bool ScanLocation(const TTraceLocation& loc, int& registryFound, int& filesFound,
                     String& lastUserAssistPath);
   void CleanLocation(const TTraceLocation& loc);
   void FixNumberedNames(const TTraceLocation& loc);
   void FixMRUList(const TTraceLocation& loc);
   bool RunShredJob(TOrviShredderClass& job);
+  // Books what a finished job removed and what it left; `inUseScheduled` marks files in
+  // use that were registered for the next start.
+  void BookShredJob(const TOrviShredderClass& job, bool inUseScheduled);
+  // Records a failed registry change of the clean (the last error says why).
+  void CheckRegistryStep(bool ok, const TTraceSourceData& Source, const String& Operation,
+                         bool isKey = false);
 };
 
 // `Name` is `Prefix` (locale-aware, case-insensitive) followed by an integer of 0 or more;
@@ -295,6 +357,8 @@ String DecodeUserAssistName(const String& ValueName, TTraceFlags& ExtraFlags);
 class TPluginList {
  public:
   std::vector<TNotDeletedTraces> NotCleanedTraces;
+  // Traces the cleans meant to remove and could not, in the order met.
+  std::vector<TCleanFailure> CleanFailures;
 
   int Count() const { return static_cast<int>(Items_.size()); }
   TTCPlugin* Get(int Index) const { return Items_.at(Index); }
@@ -308,6 +372,8 @@ class TPluginList {
 
   void AddNotCleanedTrace(TTCPlugin* Plugin, int Count);
   int CountNotCleanedTraces(const TTCPlugin* Plugin) const;
+  // Failures of this plug-in object; with `unscheduledOnly`, those left until a next clean.
+  int CountCleanFailures(const TTCPlugin* Plugin, bool unscheduledOnly = false) const;
   void Sort();
   void SortAppCaption();
 

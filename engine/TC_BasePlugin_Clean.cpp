@@ -4,10 +4,12 @@
 #include <algorithm>
 
 #include "engine/RegShredder.h"
-#include "platform/Orviregistry.h"
+#include "engine/TC_Common.h"
+#include "platform/helpers/LastError.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Shell.h"
-#include "platform/Stringhelper.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -30,15 +32,36 @@ TWildcardMatcher MakeMatcher(const TLD_FileSystem_Files& Files) {
 
 void TTCPlugin::Clean() {
   TraceCount = 0;
-  for (const auto& loc : TraceLocations) CleanLocation(*loc);
+  for (const auto& loc : TraceLocations) {
+    if (StopWorking) break;
+    CleanLocation(*loc);
+  }
+}
+
+void TTCPlugin::CheckRegistryStep(bool ok, const TTraceSourceData& Source,
+                                  const String& Operation, bool isKey) {
+  if (ok) return;
+  uint32_t error = GetLastOSError();
+  // Gone already is what the clean wanted.
+  if (error == ERROR_SUCCESS || error == ERROR_FILE_NOT_FOUND ||
+      error == ERROR_PATH_NOT_FOUND || error == ERROR_KEY_DELETED)
+    return;
+  AddCleanFailure(isKey ? TST_Registry_Key : TST_Registry_Value, Source, Operation, error);
 }
 
 void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
   StringList names;
   // The cleaner compares options for equality, unlike the scan.
+  // Each item asks first: a stop request leaves the rest as it is.
   auto emptyOrDelete = [&](HKEY root, const String& key, const String& name, uint32_t options) {
+    if (!ShowCleanItem(u"delete value", name, false)) return;
     if (options == LO_StringList) Cleaning_EmptyRegValue(root, key, name);
-    else DeleteRegValue(root, key, name, RO_None);
+    else CheckRegistryStep(DeleteRegValue(root, key, name, RO_None), {root, key, name, {}},
+                           u"delete value");
+  };
+  auto deleteKey = [&](HKEY root, const String& key) {
+    if (!ShowCleanItem(u"delete key", key, false)) return;
+    CheckRegistryStep(DeleteRegKey(root, key, RO_None), {root, key, {}, {}}, u"delete key", true);
   };
   switch (loc.LocationType) {
     case TLT_Registry_AllValues: {
@@ -50,8 +73,7 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
     case TLT_Registry_AllKeys: {
       const auto& d = loc.As<TLD_Registry_AllKeys>();
       EnumRegKeysEx(d.RootKey, d.Key, names, RO_None);
-      for (const auto& n : names)
-        DeleteRegKey(d.RootKey, IncludeTrailingPathDelimiter(d.Key) + n, RO_None);
+      for (const auto& n : names) deleteKey(d.RootKey, IncludeTrailingPathDelimiter(d.Key) + n);
       break;
     }
     case TLT_Registry_NumberedNames: {
@@ -69,15 +91,21 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
       for (const auto& n : names) {
         int64_t number;
         if (IsNumberedName(n, d.NamePrefix, number))
-          DeleteRegKey(d.RootKey, IncludeTrailingPathDelimiter(d.Key) + n, RO_None);
+          deleteKey(d.RootKey, IncludeTrailingPathDelimiter(d.Key) + n);
       }
       break;
     }
     case TLT_Registry_StringValue: {
       const auto& d = loc.As<TLD_Registry_StringValue>();
       if (GetRegStringValueDef(d.RootKey, d.Key, d.ValueName, {}, RO_None).empty()) break;
-      if (d.Options == LO_StringList) Cleaning_EmptyRegValue(d.RootKey, d.Key, d.ValueName);
-      else RegShredderStringValue(d.RootKey, d.Key, d.ValueName, RO_None);
+      if (d.Options == LO_StringList) {
+        Cleaning_EmptyRegValue(d.RootKey, d.Key, d.ValueName);
+        break;
+      }
+      SetLastOSError(ERROR_SUCCESS);
+      RegShredderStringValue(d.RootKey, d.Key, d.ValueName, RO_None);
+      // The shredder reports success whatever its deletion did: its last call tells.
+      CheckRegistryStep(false, {d.RootKey, d.Key, d.ValueName, {}}, u"delete value");
       break;
     }
     case TLT_Registry_MRUList:
@@ -85,7 +113,7 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
       const bool ex = loc.LocationType == TLT_Registry_MRUListEx;
       const auto [root, key, options] = MRUListPlace(loc);
       EnumRegKeysEx(root, key, names, RO_None);
-      for (const auto& n : names) DeleteRegKey(root, key + u"\\" + n, RO_None);
+      for (const auto& n : names) deleteKey(root, key + u"\\" + n);
       EnumRegValueNames(root, key, names, RO_None);
       if (!ex) {
         // The order value stays, emptied, so the application finds an empty list.
@@ -107,7 +135,7 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
         break;
       }
       std::vector<FileInfo> dirs, files;
-      ListFolderEntries(d.Folder, dirs, files);
+      ListFolderEntries(d.Folder, dirs, files, WalkNeeds::Kinds);
       StringList paths;
       String base = IncludeTrailingPathDelimiter(d.Folder);
       for (const auto& f : files) {
@@ -121,7 +149,8 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
 
 void TTCPlugin::DeleteFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
   std::vector<FileInfo> dirs, files;
-  if (!ListFolderEntries(Folder, dirs, files)) return;
+  // The shredder looks each file up itself: the walk needs names and kinds only.
+  if (StopWorking || !ListFolderEntries(Folder, dirs, files, WalkNeeds::Kinds)) return;
   String base = IncludeTrailingPathDelimiter(Folder);
   for (const auto& d : dirs) DeleteFilesRecurse(base + d.Name, Matcher);
   StringList paths;
@@ -135,19 +164,21 @@ void TTCPlugin::Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const St
   Bytes bytes;
   uint32_t size, type;
   if (!GetRegValue(RootKey, Key, ValueName, bytes, size, type, RO_None)) return;
+  bool ok = true;
   switch (type) {
     case REG_SZ:
-      SetRegStringValue(RootKey, Key, ValueName, {}, RO_None);
+      ok = SetRegStringValue(RootKey, Key, ValueName, {}, RO_None);
       break;
     case REG_MULTI_SZ:
-      SetRegMultiStringValue(RootKey, Key, ValueName, {}, RO_None);
+      ok = SetRegMultiStringValue(RootKey, Key, ValueName, {}, RO_None);
       break;
     case REG_BINARY:
-      SetRegBinaryValue(RootKey, Key, ValueName, {}, RO_None);
+      ok = SetRegBinaryValue(RootKey, Key, ValueName, {}, RO_None);
       break;
     default:
       break;  // expandable strings, numbers and the rest stay as they are
   }
+  CheckRegistryStep(ok, {RootKey, Key, ValueName, {}}, u"empty value");
 }
 
 void TTCPlugin::Fix() {

@@ -1,25 +1,17 @@
 // The generic scan over a plug-in's trace locations.
 #include "engine/TC_BasePlugin.h"
 
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Platform.h"
-#include "platform/Stringhelper.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/TextCodec.h"
+#include "platform/helpers/UserAssistNames.h"
 
 namespace tc {
 
 namespace {
 
 bool Contains(uint32_t options, uint32_t constant) { return (options & constant) == constant; }
-
-String Rot13(const String& s) {
-  String out(s);
-  for (auto& c : out) {
-    if (c >= u'a' && c <= u'z') c = u'a' + (c - u'a' + 13) % 26;
-    else if (c >= u'A' && c <= u'Z') c = u'A' + (c - u'A' + 13) % 26;
-  }
-  return out;
-}
 
 }  // namespace
 
@@ -45,15 +37,32 @@ void TTCPlugin::Scan() {
   TraceCount = 0;
   int registryFound = 0, filesFound = 0;
   String lastUserAssistPath;  // the UserAssist asymmetry spans the whole scan call
-  for (const auto& loc : TraceLocations)
-    ScanLocation(*loc, registryFound, filesFound, lastUserAssistPath);
+  for (const auto& loc : TraceLocations) {
+    // A stopped scan has not seen every location: it does not judge the plug-in absent.
+    if (!ScanLocation(*loc, registryFound, filesFound, lastUserAssistPath)) return;
+  }
   if (DeactivateIfAbsent && !TraceLocations.empty() && registryFound == 0 && filesFound == 0)
     Active = false;
 }
 
-void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int& filesFound,
+void TTCPlugin::PreviewTrace(TTraceSourceType type, const TTraceSourceData& source,
+                             TTraceTargetType target, TTraceFlags flags, const String& data,
+                             int64_t size) {
+  if (OnPreviewTrace) OnPreviewTrace(this, type, source, target, flags, data, size);
+}
+
+void TTCPlugin::PreviewEntries(const String& FileName, int Count, int64_t Size) {
+  if (!OnPreviewTrace) return;
+  for (int i = 1; i <= Count; ++i)
+    PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, FileName}, TTT_Unknown, 0,
+                 u"entry " + IntToStr(i) + u" of " + IntToStr(Count), Size);
+}
+
+bool TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int& filesFound,
                              String& lastUserAssistPath) {
   StringList names, datas;
+  // Each counted item: a stop request ends the scan here.
+  auto next = [&](const String& item) { return ShowScanItem(item, false); };
   switch (loc.LocationType) {
     case TLT_Registry_AllValues: {
       const auto& d = loc.As<TLD_Registry_AllValues>();
@@ -61,18 +70,24 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
       if (!names.empty() || KeyExist(d.RootKey, d.Key, RO_None)) ++registryFound;
       for (size_t i = 0; i < names.size(); ++i) {
         if (!Contains(d.Options, LO_CountEmptyValues) && Trim(datas[i]).empty()) continue;
+        if (!next(names[i])) return false;
+        TTraceSourceData src{d.RootKey, d.Key, names[i], {}};
+        bool reported = false;
         if (OnScanTraceFound) {
-          TTraceSourceData src{d.RootKey, d.Key, names[i], {}};
           if (loc.TargetType == TTT_UserAssist) {
             TTraceFlags extra;
             lastUserAssistPath = DecodeUserAssistName(names[i], extra);
-            if (!lastUserAssistPath.empty())
+            if (!lastUserAssistPath.empty()) {
               ReportTrace(TST_Registry_Value, src, loc.TargetType, loc.Flags | extra,
                           lastUserAssistPath);
+              reported = true;
+            }
           } else if (!lastUserAssistPath.empty()) {
             ReportTrace(TST_Registry_Value, src, loc.TargetType, loc.Flags, datas[i]);
+            reported = true;
           }
         }
+        if (!reported) PreviewTrace(TST_Registry_Value, src, loc.TargetType, loc.Flags, datas[i]);
         ++TraceCount;
       }
       break;
@@ -81,7 +96,12 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
       const auto& d = loc.As<TLD_Registry_AllKeys>();
       EnumRegKeysEx(d.RootKey, d.Key, names, RO_None);
       if (!names.empty() || KeyExist(d.RootKey, d.Key, RO_None)) ++registryFound;
-      TraceCount += static_cast<int>(names.size());
+      for (const auto& name : names) {
+        if (!next(name)) return false;
+        PreviewTrace(TST_Registry_Key, {d.RootKey, IncludeTrailingPathDelimiter(d.Key) + name, {}, {}},
+                     loc.TargetType, loc.Flags, {});
+        ++TraceCount;
+      }
       break;
     }
     case TLT_Registry_NumberedNames: {
@@ -91,6 +111,7 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
       for (size_t i = 0; i < names.size(); ++i) {
         int64_t n;
         if (!IsNumberedName(names[i], d.NamePrefix, n) || Trim(datas[i]).empty()) continue;
+        if (!next(names[i])) return false;
         ReportTrace(TST_Registry_Value, {d.RootKey, d.Key, names[i], {}}, loc.TargetType,
                     loc.Flags, datas[i]);
         ++TraceCount;
@@ -104,6 +125,7 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
       for (const auto& name : names) {
         int64_t n;
         if (!IsNumberedName(name, d.NamePrefix, n)) continue;
+        if (!next(name)) return false;
         if (OnScanTraceFound)
           ReportTrace(TST_Registry_Value, {d.RootKey, d.Key, name, {}}, loc.TargetType,
                       loc.Flags, GetRegStringValueDef(d.RootKey, d.Key, name, {}, RO_None));
@@ -113,11 +135,16 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
     }
     case TLT_Registry_StringValue: {
       const auto& d = loc.As<TLD_Registry_StringValue>();
+      const TTraceSourceData src{d.RootKey, d.Key, d.ValueName, {}};
       String text;
       if (Contains(d.Options, LO_MultiString)) {
         GetRegMultiStringValue(d.RootKey, d.Key, d.ValueName, names, RO_None);
         ++registryFound;
-        TraceCount += static_cast<int>(names.size());
+        for (const auto& line : names) {
+          if (!next(line)) return false;
+          PreviewTrace(TST_Registry_Value, src, loc.TargetType, loc.Flags, line);
+          ++TraceCount;
+        }
         break;
       }
       if (Contains(d.Options, LO_BinaryText)) {
@@ -130,7 +157,13 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
       }
       if (!text.empty() || KeyExist(d.RootKey, d.Key, RO_None)) ++registryFound;
       if (text.empty()) break;
-      TraceCount += d.Separator.empty() ? 1 : ParamXCount(text, d.Separator[0]);
+      int items = d.Separator.empty() ? 1 : ParamXCount(text, d.Separator[0]);
+      for (int i = 1; i <= items; ++i) {
+        String item = d.Separator.empty() ? text : ParamX(text, d.Separator[0], i);
+        if (!next(item)) return false;
+        PreviewTrace(TST_Registry_Value, src, loc.TargetType, loc.Flags, item);
+        ++TraceCount;
+      }
       break;
     }
     case TLT_Registry_MRUList:
@@ -146,6 +179,7 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
         for (size_t i = 0; i < names.size(); ++i) {
           if (SameText(names[i], ex ? u"MRUListEx" : u"MRUList")) continue;
           if (ex && SameText(names[i], u"ViewStream")) continue;
+          if (!next(names[i])) return false;
           ReportTrace(TST_Registry_Value, {root, k, names[i], {}}, loc.TargetType, loc.Flags,
                       datas[i]);
           ++TraceCount;
@@ -156,20 +190,23 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
     case TLT_FileSystem_Files: {
       const auto& d = loc.As<TLD_FileSystem_Files>();
       TWildcardMatcher matcher = MakeMatcher(d);
+      if (Contains(d.Options, LO_Recursive)) {
+        ++filesFound;  // a recursive location counts as found, there or not
+        return TraceFilesRecurse(d.Folder, matcher);
+      }
+      // Sizes only where the location's option tests them.
+      const bool sizes = Contains(d.Options, LO_NonEmptyFilesOnly);
       std::vector<FileInfo> dirs, files;
-      bool listed = ListFolderEntries(d.Folder, dirs, files);
+      bool listed = ListFolderEntries(d.Folder, dirs, files,
+                                      sizes ? WalkNeeds::Sizes : WalkNeeds::Kinds);
       if (listed || DirExists(ExcludeTrailingPathDelimiter(d.Folder)))
         ++filesFound;
-      if (Contains(d.Options, LO_Recursive)) {
-        TraceFilesRecurse(d.Folder, matcher);
-        ++filesFound;
-        break;
-      }
       for (const auto& f : files) {
         Services().UI->ProcessMessages();
         if (!matcher.Match(f.Name)) continue;
         // The listing's size stands for the look-up: one enumeration per folder.
         if (Contains(d.Options, LO_NonEmptyFilesOnly) && f.Size == 0) continue;
+        if (!next(f.Name)) return false;
         ReportTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, d.Folder + f.Name},
                     loc.TargetType, loc.Flags, {});
         ++TraceCount;
@@ -177,15 +214,26 @@ void TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
       break;
     }
   }
+  return true;
 }
 
-void TTCPlugin::TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
+bool TTCPlugin::TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
   std::vector<FileInfo> dirs, files;
-  // Counting needs names only; the order is not seen, as nothing is reported.
-  if (!ListFolderEntries(Folder, dirs, files, true)) return;
+  // Counting needs names only, in any order; a preview wants the sizes too.
+  if (!ListFolderEntries(Folder, dirs, files,
+                         OnPreviewTrace ? WalkNeeds::Sizes : WalkNeeds::KindsUnordered))
+    return true;
   String base = IncludeTrailingPathDelimiter(Folder);
-  for (const auto& d : dirs) TraceFilesRecurse(base + d.Name, Matcher);
-  for (const auto& f : files) TraceCount += Matcher.Match(f.Name);
+  for (const auto& d : dirs)
+    if (!TraceFilesRecurse(base + d.Name, Matcher)) return false;
+  for (const auto& f : files) {
+    if (!Matcher.Match(f.Name)) continue;
+    if (!ShowScanItem(f.Name, false)) return false;
+    PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, base + f.Name}, TTT_FileName, 0, {},
+                 static_cast<int64_t>(f.Size));
+    ++TraceCount;
+  }
+  return true;
 }
 
 }  // namespace tc

@@ -5,11 +5,12 @@
 #include <cstdio>
 
 #include "platform/Platform.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
 bool StopWorking = false;
+bool StopAtOnce = false;
 
 int64_t RoundHalfEven(long double v) {
   long double r = std::nearbyintl(v);  // default rounding mode: nearest, ties to even

@@ -10,6 +10,9 @@ namespace tc {
 
 // Set by the host to abort a run; the engine never resets it.
 extern bool StopWorking;
+// Set by the host when the user insists (a second stop request): the file being shredded
+// is removed without its remaining passes, and nothing further starts.
+extern bool StopAtOnce;
 
 enum TRCStatus : uint8_t {
   RCS_NotScannedYet,

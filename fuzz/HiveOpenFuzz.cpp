@@ -1,4 +1,5 @@
 // Hive files: any bytes are refused with a reason or open and enumerate without crashing.
+// Seeds: realworld/hives/*
 #include <unistd.h>
 
 #include <cstddef>

@@ -1,4 +1,5 @@
 // Registry editor files: any bytes either import or stop with a message, never crash.
+// Seeds: tools/demo/registry/*.reg
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

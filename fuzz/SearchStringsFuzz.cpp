@@ -1,4 +1,5 @@
 // eMule's AC_SearchStrings.dat reader: any bytes give a count no larger than the lines.
+// Seeds: tools/demo/tree/*AC_SearchStrings.dat realworld/filesharing/*
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,6 @@
 // Progress on a terminal and the stop request (Ctrl+C).
 #pragma once
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -8,25 +9,36 @@
 
 namespace tc::host {
 
-// A one-line bar on standard error; does nothing when disabled.
+// One line on standard error: the plug-in among all, its items and bytes so far and the time
+// it has left. Does nothing when disabled.
 class ProgressBar {
  public:
   explicit ProgressBar(bool enabled) : enabled_(enabled) {}
   ~ProgressBar() { Done(); }
-  void Show(int done, int total, const std::string& label);
+  // A plug-in starts: the `index`-th of `count`; `items` and `bytes` it has to do (0: unknown).
+  void StartPlugin(int index, int count, const std::string& label, int items, int64_t bytes);
+  void Item();
+  void Bytes(int64_t done);
   void Done();
 
  private:
+  void Draw(bool force);
   bool enabled_;
   bool shown_ = false;
+  int index_ = 0, count_ = 0, items_ = 0, itemsDone_ = 0;
+  int64_t bytes_ = 0, bytesDone_ = 0;
+  std::string label_;
+  std::chrono::steady_clock::time_point started_, drawn_;
 };
 
-// Ctrl+C asks the run to stop; the engine sees it as StopWorking at its next item.
+// Ctrl+C: the first sets StopWorking at once (every loop ends after its item), the second also
+// StopAtOnce (the file being shredded is removed, nothing further starts), a third ends the
+// process on the spot.
 void CatchInterrupt();
-bool InterruptRequested();
+int Interrupts();
 
 // The platform's user interface, with a hook run every time the engine lets messages be
-// processed (where the host updates its bar and passes Ctrl+C on as StopWorking).
+// processed (where the host names the plug-in that starts next).
 class HookedUI : public IUserInterface {
  public:
   HookedUI(std::shared_ptr<IUserInterface> inner, std::function<void()> hook)

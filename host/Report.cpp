@@ -1,13 +1,16 @@
+// The JSON form of a report (its schema is in host/README.md) and the helpers both forms share.
 #include "host/Report.h"
 
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "platform/TextCodec.h"
+#include "host/Readable.h"
 
 namespace tc::host {
 
 namespace {
+
+using nlohmann::json;
 
 const char* RootName(HKEY root) {
   switch (root) {
@@ -34,126 +37,179 @@ const char* TargetName(TTraceTargetType t) {
   return unsigned(t) < std::size(names) ? names[t] : "Unknown";
 }
 
-std::string U8(const String& s) { return ToUtf8(s); }
+const char* CommandName(Command c) {
+  static const char* const names[] = {"list", "scan", "clean", "cookies", "keep", "unkeep"};
+  return names[static_cast<int>(c)];
+}
 
-std::string Count(int n, const char* one, const char* many) {
-  return std::to_string(n) + " " + (n == 1 ? one : many);
+json TraceJson(const TraceRecord& t) {
+  json o = {{"source", SourceName(t.Source)},
+            {"location", TraceLocation(t)},
+            {"targetType", TargetName(t.Target)},
+            {"flags", t.Flags},
+            {"data", Readable(PreviewData(t.Target, t.Data))}};
+  if (t.Source == TST_FileSystem_File) {
+    o["fileName"] = Readable(t.Where.FileName);
+    if (t.Size >= 0) o["size"] = t.Size;
+  } else {
+    o["rootKey"] = RootName(t.Where.RootKey);
+    o["key"] = Readable(t.Where.Key);
+    o["valueName"] = Readable(t.Where.ValueName);
+  }
+  return o;
+}
+
+json PluginJson(const RunReport& r, const PluginRecord& p) {
+  json o = {{"id", Readable(p.ID)},           {"section", Readable(p.Section)},
+            {"app", Readable(p.App)},         {"caption", Readable(p.Caption)},
+            {"active", p.Active},             {"traceCount", p.TraceCount}};
+  if (r.What != Command::List) o["ran"] = p.Ran;
+  if (!p.Note.empty()) o["note"] = Readable(p.Note);
+  if (p.Bytes >= 0) o["bytes"] = p.Bytes;
+  if (r.What == Command::Clean) {
+    o["outcome"] = OutcomeName(p.Outcome);
+    o["cleaned"] = p.Outcome == CO_Cleaned;
+    o["remaining"] = p.Remaining >= 0 ? json(p.Remaining) : json(nullptr);
+    o["kept"] = p.Kept;
+    o["left"] = p.Left;
+    o["scheduled"] = p.Scheduled;
+    o["removedFiles"] = p.RemovedFiles.size();
+    o["removedBytes"] = p.RemovedBytes;
+    if (!p.Error.empty()) o["error"] = p.Error;
+    if (!r.Fatal.empty()) {
+      json files = json::array();
+      for (const auto& f : p.RemovedFiles) files.push_back(Readable(f));
+      o["removedFileNames"] = std::move(files);
+    }
+  }
+  if (r.WithTraces) {
+    json traces = json::array();
+    for (const auto& t : p.Traces) traces.push_back(TraceJson(t));
+    o["traces"] = std::move(traces);
+  }
+  return o;
 }
 
 }  // namespace
 
-String TraceLocation(const TraceRecord& trace) {
+std::string TraceLocation(const TraceRecord& trace) {
   if (trace.Source == TST_FileSystem_File || trace.Where.RootKey == kNoRootKey)
-    return trace.Where.FileName;
-  String s = FromUtf8(RootName(trace.Where.RootKey));
-  if (!trace.Where.Key.empty()) s += u"\\" + trace.Where.Key;
-  if (!trace.Where.ValueName.empty()) s += u" : " + trace.Where.ValueName;
+    return Readable(trace.Where.FileName);
+  std::string s = RootName(trace.Where.RootKey);
+  if (!trace.Where.Key.empty()) s += "\\" + Readable(trace.Where.Key);
+  if (!trace.Where.ValueName.empty())
+    s += " : " + Readable(PreviewValueName(trace.Target, trace.Where.ValueName));
   return s;
 }
 
-void PrintText(const RunReport& r, std::ostream& out) {
-  if (!r.Source.empty()) out << r.Source << "\n";
-  String section;
-  bool first = true;
-  int total = 0, remaining = 0;
-  for (const auto& p : r.Plugins) {
-    if (r.What != Command::List && !p.Active && p.TraceCount == 0 && !p.Cleaned) continue;
-    if (first || p.Section != section) {
-      out << "\n" << U8(p.Section) << "\n";
-      section = p.Section;
-      first = false;
-    }
-    std::string line = "  " + U8(p.ID) + "  " + U8(p.App) + " - " + U8(p.Caption);
-    switch (r.What) {
-      case Command::List:
-        out << line << (p.Active ? "" : "  (off)") << "\n";
-        break;
-      case Command::Scan:
-        out << line << ": " << Count(p.TraceCount, "trace", "traces") << "\n";
-        break;
-      case Command::Clean:
-        out << line << ": " << p.TraceCount;
-        if (p.Remaining >= 0) out << " -> " << p.Remaining;
-        out << (p.Cleaned || p.TraceCount == 0 ? "" : " (not cleaned)") << "\n";
-        break;
-    }
-    total += p.TraceCount;
-    remaining += p.Remaining > 0 ? p.Remaining : 0;
-    for (const auto& t : p.Traces) {
-      out << "      " << U8(TraceLocation(t));
-      if (!t.Data.empty()) out << " = " << U8(t.Data);
-      out << "\n";
-    }
+std::string FormatBytes(int64_t bytes) {
+  static const char* const units[] = {"bytes", "KB", "MB", "GB", "TB"};
+  if (bytes < 1024) return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+  double v = double(bytes);
+  int u = 0;
+  while (v >= 1024 && u < 4) {
+    v /= 1024;
+    ++u;
   }
-  out << "\n";
-  if (r.What == Command::Scan) out << "Found " << Count(total, "trace", "traces") << ".\n";
-  if (r.What == Command::Clean) {
-    if (r.Declined) {
-      out << "Nothing changed.\n";
-    } else {
-      out << "Traces before: " << total << ", after: " << remaining << ".\n";
-      for (const auto& [id, count] : r.NotCleaned)
-        out << "Not cleaned: " << U8(id) << " (" << count << ")\n";
-      out << (r.RebootRequired ? "Restart Windows to finish: files in use are deleted at its "
-                                 "next start.\n"
-                               : "No restart needed.\n");
-    }
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%.1f %s", v, units[u]);
+  return buf;
+}
+
+const char* OutcomeName(TCleanOutcome outcome) {
+  switch (outcome) {
+    case CO_Cleaned: return "cleaned";
+    case CO_PartlyCleaned: return "partly cleaned";
+    case CO_Failed: return "failed";
+    default: return "skipped";
   }
-  if (r.Stopped) out << "Stopped by the user.\n";
-  for (const auto& [id, message] : r.Failures)
-    out << "Plug-in " << U8(id) << " failed: " << U8(message) << "\n";
+}
+
+bool Listed(const RunReport& r, const PluginRecord& p) {
+  return r.What == Command::List || r.All || p.Ran;
 }
 
 void PrintJson(const RunReport& r, std::ostream& out) {
-  using nlohmann::json;
   json plugins = json::array();
+  json totals = {{"plugins", 0}, {"traces", 0}};
+  int64_t bytes = 0, removedBytes = 0;
+  int remaining = 0, kept = 0, left = 0, scheduled = 0, removedFiles = 0;
+  bool haveBytes = false;
   for (const auto& p : r.Plugins) {
-    json o = {{"id", U8(p.ID)},       {"section", U8(p.Section)}, {"app", U8(p.App)},
-              {"caption", U8(p.Caption)}, {"active", p.Active},   {"traceCount", p.TraceCount}};
-    if (r.What == Command::Clean) {
-      o["remaining"] = p.Remaining >= 0 ? json(p.Remaining) : json(nullptr);
-      o["cleaned"] = p.Cleaned;
+    if (!Listed(r, p)) continue;
+    plugins.push_back(PluginJson(r, p));
+    if (!p.Ran) continue;
+    totals["plugins"] = totals["plugins"].get<int>() + 1;
+    totals["traces"] = totals["traces"].get<int>() + p.TraceCount;
+    if (p.Bytes >= 0) {
+      haveBytes = true;
+      bytes += p.Bytes;
     }
-    if (r.WithTraces) {
-      json traces = json::array();
-      for (const auto& t : p.Traces) {
-        json to = {{"source", SourceName(t.Source)},
-                   {"location", U8(TraceLocation(t))},
-                   {"targetType", TargetName(t.Target)},
-                   {"flags", t.Flags},
-                   {"data", U8(t.Data)}};
-        if (t.Source == TST_FileSystem_File) {
-          to["fileName"] = U8(t.Where.FileName);
-        } else {
-          to["rootKey"] = RootName(t.Where.RootKey);
-          to["key"] = U8(t.Where.Key);
-          to["valueName"] = U8(t.Where.ValueName);
-        }
-        traces.push_back(std::move(to));
-      }
-      o["traces"] = std::move(traces);
-    }
-    plugins.push_back(std::move(o));
+    remaining += p.Remaining > 0 ? p.Remaining : 0;
+    kept += p.Kept;
+    left += p.Left;
+    scheduled += p.Scheduled;
+    removedFiles += static_cast<int>(p.RemovedFiles.size());
+    removedBytes += p.RemovedBytes;
   }
-  json doc = {{"command", r.What == Command::List   ? "list"
-                          : r.What == Command::Scan ? "scan"
-                                                    : "clean"},
+  if (haveBytes) totals["bytes"] = bytes;
+  json doc = {{"schemaVersion", kSchemaVersion},
+              {"command", CommandName(r.What)},
               {"source", r.Source},
+              {"offline", r.Offline},
               {"warnings", r.Warnings},
-              {"plugins", std::move(plugins)},
-              {"stopped", r.Stopped}};
+              {"plugins", std::move(plugins)}};
+  if (r.What == Command::Scan) totals["off"] = r.Off;
   if (r.What == Command::Clean) {
+    totals["remaining"] = remaining;
+    totals["kept"] = kept;
+    totals["left"] = left;
+    totals["scheduled"] = scheduled;
+    totals["removedFiles"] = removedFiles;
+    totals["removedBytes"] = removedBytes;
     json notCleaned = json::array();
     for (const auto& [id, count] : r.NotCleaned)
-      notCleaned.push_back({{"id", U8(id)}, {"count", count}});
+      notCleaned.push_back({{"id", Readable(id)}, {"count", count}});
     doc["rebootRequired"] = r.RebootRequired;
     doc["notCleaned"] = std::move(notCleaned);
     doc["declined"] = r.Declined;
+    if (!r.Fatal.empty())
+      doc["fatal"] = {{"message", r.Fatal},
+                      {"hivesWritten", r.HivesWritten},
+                      {"hivesNotWritten", r.HivesNotWritten}};
   }
-  json failures = json::array();
-  for (const auto& [id, message] : r.Failures)
-    failures.push_back({{"id", U8(id)}, {"message", U8(message)}});
-  doc["failures"] = std::move(failures);
+  if (r.What != Command::List) {
+    doc["totals"] = std::move(totals);
+    doc["stopped"] = r.Stopped;
+  }
+  json errors = json::array();
+  json failures = json::array();  // traces not removed and plug-ins that raised: {id, message} at least
+  for (const auto& f : r.Failures) {
+    const std::string where = TraceLocation(f.Trace);
+    failures.push_back({{"id", Readable(f.PluginID)},
+                        {"location", where},
+                        {"source", SourceName(f.Trace.Source)},
+                        {"operation", f.Operation},
+                        {"errorCode", f.ErrorCode},
+                        {"reason", f.Reason},
+                        {"message", where + ": " + f.Operation + ": " + f.Reason},
+                        {"scheduled", f.Scheduled}});
+  }
+  for (const auto& [id, message] : r.PluginErrors) {
+    errors.push_back({{"id", Readable(id)}, {"message", message}});
+    failures.push_back({{"id", Readable(id)}, {"message", message}});
+  }
+  if (r.What != Command::List) doc["failures"] = std::move(failures);
+  doc["pluginErrors"] = std::move(errors);
+  doc["exitCode"] = r.Exit;
+  out << doc.dump(2, ' ', false, json::error_handler_t::replace) << "\n";
+}
+
+void PrintJsonError(const std::string& kind, const std::string& message, int exitCode,
+                    std::ostream& out) {
+  json doc = {{"schemaVersion", kSchemaVersion},
+              {"error", {{"kind", kind}, {"message", message}}},
+              {"exitCode", exitCode}};
   out << doc.dump(2, ' ', false, json::error_handler_t::replace) << "\n";
 }
 

@@ -2,14 +2,13 @@
 
 #include <unistd.h>
 
-#include <iostream>
-#include <map>
+#include <set>
 
-#include "engine/Orvitracecleaner.h"
 #include "engine/TC_Common.h"
+#include "host/PluginChoice.h"
 #include "host/Progress.h"
-#include "platform/Orvishredderclass.h"
-#include "platform/TextCodec.h"
+#include "platform/Platform.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc::host {
 
@@ -17,159 +16,114 @@ namespace {
 
 PluginRecord RecordOf(const TTCPlugin& p) {
   PluginRecord r;
+  r.Object = &p;
   r.ID = p.ID;
   r.Section = p.Section;
   r.App = p.AppCaption;
   r.Caption = p.Caption;
   r.Active = p.Active;
   r.TraceCount = p.TraceCount;
+  r.Note = p.Note;
   return r;
 }
 
-// Switches exactly the named plug-ins on; false (and `error`) for an unknown ID.
-bool ChoosePlugins(const Options& options, std::string& error) {
-  if (!options.PluginsGiven) return true;
-  for (const auto& id : options.PluginIDs) {
-    TTCPlugin* found = nullptr;
-    if (!GetPluginByID(FromUtf8(id), found)) {
-      error = "unknown plug-in ID " + id + " (see tracecleaner list)";
-      return false;
-    }
-  }
-  SetAllPluginStatus(false);
-  for (const auto& id : options.PluginIDs) SetPluginStatus(FromUtf8(id), true, -1);
-  return true;
-}
-
-// One scan through the host component, collecting every reported trace per plug-in.
-class Scanner {
- public:
-  explicit Scanner(bool showProgress) : bar_(showProgress) {}
-
-  void Run(TOrviMRU& mru, std::map<const TTCPlugin*, std::vector<TraceRecord>>& traces) {
-    traces.clear();
-    int total = 0;
-    for (TTCPlugin* p : *Plugins) total += p->Active ? 1 : 0;
-    int started = 0;
-    const TTCPlugin* current = nullptr;
-    mru.SetOnScanTraceFound([&](TTCPlugin* sender, TTraceSourceType source,
-                                const TTraceSourceData& where, TTraceTargetType target,
-                                TTraceFlags flags, const String& data) {
-      traces[sender].push_back({source, where, target, flags, data});
-    });
-    // The component lets messages run before each plug-in (and inside file walks): the
-    // bar names the next active plug-in that has not started yet.
-    auto ui = Services().UI;
-    size_t next = 0;
-    Services().UI = std::make_shared<HookedUI>(ui, [&] {
-      while (next < size_t(Plugins->Count()) && !Plugins->Get(int(next))->Active) ++next;
-      if (next < size_t(Plugins->Count()) && Plugins->Get(int(next)) != current) {
-        current = Plugins->Get(int(next));
-        bar_.Show(started++, total, ToUtf8(current->AppCaption + u" - " + current->Caption));
-        ++next;
-      }
-    });
-    mru.Scan();
-    Services().UI = ui;
-    bar_.Done();
-  }
-
- private:
-  ProgressBar bar_;
-};
-
-bool AskToClean(int traces, int plugins) {
-  std::cerr << "Clean " << traces << (traces == 1 ? " trace" : " traces") << " of " << plugins
-            << (plugins == 1 ? " plug-in" : " plug-ins") << "? This cannot be undone. [y/N] "
-            << std::flush;
-  std::string answer;
-  if (!std::getline(std::cin, answer)) return false;
-  return answer == "y" || answer == "Y" || answer == "yes" || answer == "j" || answer == "ja";
-}
+std::string Label(const TTCPlugin& p) { return ToUtf8(p.AppCaption + u" - " + p.Caption); }
 
 }  // namespace
+
+void ScanAll(TOrviMRU& mru, bool preview, bool progress, TraceMap& traces) {
+  traces.clear();
+  ProgressBar bar(progress);
+  std::map<const TTCPlugin*, int> order;  // position among the active plug-ins
+  for (TTCPlugin* p : *Plugins)
+    if (p->Active) order.emplace(p, int(order.size()));
+  const TTCPlugin* current = nullptr;
+  // Without a preview, files keep only their distinct data (what the clean is given): memory
+  // stays flat however many files a folder holds; registry traces stay whole for the report.
+  std::set<std::pair<const TTCPlugin*, String>> seen;
+  mru.SetOnScanTraceFound([&](TTCPlugin* sender, TTraceSourceType source,
+                              const TTraceSourceData& where, TTraceTargetType target,
+                              TTraceFlags flags, const String& data) {
+    if (!preview && source == TST_FileSystem_File) {
+      if (seen.insert({sender, data}).second)
+        traces[sender].push_back({source, {}, target, flags, data, -1});
+      return;
+    }
+    TraceRecord r{source, where, target, flags, data, -1};
+    FileInfo info;
+    if (preview && source == TST_FileSystem_File &&
+        Services().Files->GetInfo(where.FileName, info) == ERROR_SUCCESS)
+      r.Size = static_cast<int64_t>(info.Size);
+    traces[sender].push_back(std::move(r));
+  });
+  for (TTCPlugin* p : *Plugins) {
+    if (preview)
+      p->OnPreviewTrace = [&](TTCPlugin* sender, TTraceSourceType source,
+                              const TTraceSourceData& where, TTraceTargetType target,
+                              TTraceFlags flags, const String& data, int64_t size) {
+        traces[sender].push_back({source, where, target, flags, data, size});
+      };
+    p->OnScanProgress = [&](TTCPlugin* sender, int, const String&, bool) {
+      if (sender != current) {
+        current = sender;
+        bar.StartPlugin(order.count(sender) ? order[sender] : 0, int(order.size()),
+                        Label(*sender), 0, 0);
+      }
+      bar.Item();
+    };
+  }
+  mru.Scan();
+  for (TTCPlugin* p : *Plugins) {
+    p->OnPreviewTrace = nullptr;
+    p->OnScanProgress = nullptr;
+  }
+  bar.Done();
+}
 
 ExitCode RunCommand(const Options& options, Session& session, RunReport& report,
                     std::string& error) {
   report.What = options.What;
   report.Source = session.Describe();
+  report.Offline = session.Offline();
   report.Warnings = session.Warnings();
   report.WithTraces = options.Traces;
+  report.All = options.All;
   Plugins->Sort();
   if (!ChoosePlugins(options, error)) return kExitUsage;
 
-  const bool progress = !options.Json && isatty(STDERR_FILENO);
   if (options.What == Command::List) {
     for (TTCPlugin* p : *Plugins) report.Plugins.push_back(RecordOf(*p));
     return kExitDone;
   }
 
   CatchInterrupt();
+  const bool defaultRun = !options.PluginsGiven && options.Sections.empty();
+  std::map<const TTCPlugin*, bool> ran;
+  for (TTCPlugin* p : *Plugins) {
+    ran[p] = p->Active;
+    report.Off += defaultRun && !p->Active;
+  }
   TOrviMRU mru;
-  std::map<const TTCPlugin*, std::vector<TraceRecord>> traces;
-  Scanner(progress).Run(mru, traces);
-  for (const auto& f : mru.Failures) report.Failures.emplace_back(f.PluginID, f.Message);
-  const size_t scanFailures = mru.Failures.size();
-  std::map<const TTCPlugin*, PluginRecord*> recordOf;  // IDs of per-profile plug-ins repeat
+  TraceMap traces;
+  ScanAll(mru, options.Traces, isatty(STDERR_FILENO), traces);
+  for (const auto& f : mru.Failures) report.PluginErrors.emplace_back(f.PluginID, ToUtf8(f.Message));
   for (TTCPlugin* p : *Plugins) {
-    report.Plugins.push_back(RecordOf(*p));
-    if (options.Traces) report.Plugins.back().Traces = traces[p];
-  }
-  for (int i = 0; i < Plugins->Count(); ++i) recordOf[Plugins->Get(i)] = &report.Plugins[size_t(i)];
-  report.Stopped = StopWorking;
-  if (options.What == Command::Scan || StopWorking) return kExitDone;
-
-  // Clean: every active plug-in that found something.
-  std::vector<TTCPlugin*> chosen;
-  int total = 0;
-  for (TTCPlugin* p : *Plugins) {
-    if (p->Active && p->TraceCount > 0) {
-      chosen.push_back(p);
-      total += p->TraceCount;
+    PluginRecord r = RecordOf(*p);  // Active: after the scan, which turns absent ones off
+    r.Ran = ran[p];
+    r.Traces = traces[p];
+    if (options.Traces) {
+      r.Bytes = 0;
+      std::set<String> files;  // records of one database count its bytes once
+      for (const auto& t : r.Traces)
+        if (t.Size > 0 && files.insert(UpperCase(t.Where.FileName)).second) r.Bytes += t.Size;
     }
+    if (!options.Traces) r.Traces.clear();
+    report.Plugins.push_back(std::move(r));
   }
-  if (!chosen.empty() && !options.Yes && isatty(STDIN_FILENO) &&
-      !AskToClean(total, int(chosen.size()))) {
-    report.Declined = true;
-    return kExitDone;
-  }
-  TDeleteMethod method{};
-  bool haveMethod = !options.Method.empty() &&
-                    TOrviShredderClass::MethodFromName(FromUtf8(options.Method), method);
-  ProgressBar bar(progress);
-  int done = 0;
-  auto ui = Services().UI;  // Ctrl+C reaches the engine whenever it lets messages run
-  Services().UI = std::make_shared<HookedUI>(ui, nullptr);
-  for (TTCPlugin* p : chosen) {
-    if (InterruptRequested()) StopWorking = true;
-    if (StopWorking) break;
-    bar.Show(done++, int(chosen.size()), ToUtf8(p->AppCaption + u" - " + p->Caption));
-    if (haveMethod) p->ShredMethod = method;
-    if (options.Passes > 0) p->ShredRecurrence = options.Passes;
-    StringList datas;
-    for (const auto& t : traces[p]) datas.push_back(t.Data);
-    mru.CleanPlugin(*p, datas);
-    recordOf[p]->Cleaned = true;
-  }
-  bar.Done();
-  Services().UI = ui;
-  mru.Fix();
-  if (!session.Flush(error)) return kExitCannotOpen;
-  for (size_t i = scanFailures; i < mru.Failures.size(); ++i)
-    report.Failures.emplace_back(mru.Failures[i].PluginID, mru.Failures[i].Message);
-  for (TTCPlugin* p : *Plugins) report.RebootRequired = report.RebootRequired || p->RebootRequired;
-  for (const auto& n : Plugins->NotCleanedTraces)
-    report.NotCleaned.emplace_back(n.PluginID, n.Count);
   report.Stopped = StopWorking;
-  if (StopWorking) return kExitDone;
-
-  // The "after" count: a fresh scan of the same plug-ins.
-  for (TTCPlugin* p : *Plugins) p->Active = recordOf[p]->Active;
-  std::map<const TTCPlugin*, std::vector<TraceRecord>> after;
-  Scanner(progress).Run(mru, after);
-  for (TTCPlugin* p : *Plugins)
-    if (recordOf[p]->Active) recordOf[p]->Remaining = p->TraceCount;
-  return kExitDone;
+  if (report.Stopped) return kExitInterrupted;
+  if (options.What == Command::Scan) return kExitDone;
+  return RunClean(options, session, mru, traces, report);
 }
 
 }  // namespace tc::host

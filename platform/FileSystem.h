@@ -11,8 +11,18 @@ struct FileInfo {
   uint64_t Size = 0;
   uint32_t Attributes = 0;
   int64_t LastWriteTime = 0;  // FILETIME: 100 ns units since 1601-01-01 UTC
+  // Names the file's content goes by (hard links); GetInfo tells, listings may leave 1.
+  uint32_t Links = 1;
   bool IsDirectory() const { return (Attributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
   bool IsReparsePoint() const { return (Attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0; }
+  // A pipe, socket or device node: no file, and opening one may wait forever.
+  bool IsDevice() const { return (Attributes & FILE_ATTRIBUTE_DEVICE) != 0; }
+};
+
+// How much a walk's listing must carry beyond names and kinds.
+enum class ListDetail : uint8_t {
+  Kinds,  // nothing more
+  Sizes,  // files' sizes, links and read-only bit
 };
 
 // An open file; positional I/O so no hidden file pointer. Closed on destruction.
@@ -46,17 +56,25 @@ enum class OpenMode : uint8_t {
 // - Symbolic links, junctions and other reparse points are reported with
 //   FILE_ATTRIBUTE_REPARSE_POINT and never followed by GetInfo or ListFolder; RemoveFile
 //   on one removes the link, not its target.
+// - Pipes, sockets and device nodes are reported with FILE_ATTRIBUTE_DEVICE; they cannot be
+//   opened (ERROR_ACCESS_DENIED), removed or renamed.
 class IFileSystem {
  public:
   virtual ~IFileSystem() = default;
   virtual uint32_t ListFolder(const String& folder, std::vector<FileInfo>& entries) = 0;
-  // The same entries for walks that only tell files from folders: each is sure to carry its
-  // Name and the directory and reparse-point bits, in no particular order. A backend whose
-  // listing costs more per entry (a stat for the size) answers it more cheaply.
-  virtual uint32_t ListFolderNames(const String& folder, std::vector<FileInfo>& entries) {
+  // The same entries for walks, in no particular order: each is sure to carry its Name and
+  // the directory, reparse-point and device bits, and with ListDetail::Sizes a file's Size,
+  // Links and read-only bit too. A backend whose listing costs more per entry (a stat for
+  // the size, an extended attribute for hidden and system) answers it more cheaply.
+  virtual uint32_t ListFolderNames(const String& folder, std::vector<FileInfo>& entries,
+                                   ListDetail detail) {
+    (void)detail;
     return ListFolder(folder, entries);
   }
   virtual uint32_t GetInfo(const String& path, FileInfo& info) = 0;
+  // GetInfo that may leave out the hidden and system bits where they cost a look-up of
+  // their own; everything else (kind, size, links, read-only, time) is there.
+  virtual uint32_t GetBasicInfo(const String& path, FileInfo& info) { return GetInfo(path, info); }
   virtual uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) = 0;
   virtual uint32_t RemoveFile(const String& path) = 0;
   // Creates the folder and missing parents; an existing folder is success.

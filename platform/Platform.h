@@ -7,12 +7,15 @@
 #include "FileSystem.h"
 #include "IconCatalogue.h"
 #include "IniFiles.h"
+#include "JumpListFiles.h"
 #include "ProductSettings.h"
 #include "ProtectedStorage.h"
 #include "RebootDeleter.h"
 #include "RecycleBin.h"
 #include "Registry.h"
 #include "Shell.h"
+#include "Sqlite.h"
+#include "ShellItems.h"
 #include "UrlCache.h"
 #include "UrlHistory.h"
 #include "UserInterface.h"
@@ -36,6 +39,9 @@ struct Platform {
   std::shared_ptr<IUserInterface> UI;
   std::shared_ptr<IClock> Clock;
   std::shared_ptr<IIconCatalogue> Icons;
+  std::shared_ptr<ISqlite> Sqlite;
+  std::shared_ptr<IShellItems> ShellItems;
+  std::shared_ptr<IJumpListFiles> JumpLists;
 };
 
 // The platform the engine works on. Throws std::logic_error when none is set: a host that

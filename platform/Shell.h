@@ -22,14 +22,20 @@ inline constexpr int kCSIDL_WINDOWS = 0x0024;
 inline constexpr int kCSIDL_SYSTEM = 0x0025;
 inline constexpr int kCSIDL_PROGRAM_FILES = 0x0026;
 inline constexpr int kCSIDL_PROFILE = 0x0028;
+inline constexpr int kCSIDL_SYSTEMX86 = 0x0029;
+inline constexpr int kCSIDL_PROGRAM_FILESX86 = 0x002a;
 
 // Contract: GetSpecialFolder gives the folder's path without trailing delimiter, or
 // ERROR_FILE_NOT_FOUND when the system has no such folder. ChangeNotify tells the shell
 // that something changed (SHChangeNotify's event id, flags and path); it never fails.
+// GetKnownFolder answers as GetSpecialFolder for a known-folder id written as
+// "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}" (any case); an id it does not know is
+// ERROR_FILE_NOT_FOUND.
 class IShell {
  public:
   virtual ~IShell() = default;
   virtual uint32_t GetSpecialFolder(int csidl, String& path) = 0;
+  virtual uint32_t GetKnownFolder(const String& folderId, String& path) = 0;
   virtual void ChangeNotify(int32_t eventId, uint32_t flags, const String& path) = 0;
 };
 

@@ -36,6 +36,8 @@ inline constexpr uint32_t ERROR_PATH_NOT_FOUND = 3;
 inline constexpr uint32_t ERROR_ACCESS_DENIED = 5;
 inline constexpr uint32_t ERROR_INVALID_HANDLE = 6;
 inline constexpr uint32_t ERROR_NOT_ENOUGH_MEMORY = 8;
+inline constexpr uint32_t ERROR_INVALID_DATA = 13;
+inline constexpr uint32_t ERROR_WRITE_PROTECT = 19;
 inline constexpr uint32_t ERROR_WRITE_FAULT = 29;
 inline constexpr uint32_t ERROR_SHARING_VIOLATION = 32;
 inline constexpr uint32_t ERROR_LOCK_VIOLATION = 33;
@@ -52,6 +54,7 @@ inline constexpr uint32_t ERROR_DIR_NOT_EMPTY = 145;
 inline constexpr uint32_t ERROR_ALREADY_EXISTS = 183;
 inline constexpr uint32_t ERROR_MORE_DATA = 234;
 inline constexpr uint32_t ERROR_NO_MORE_ITEMS = 259;
+inline constexpr uint32_t ERROR_CANCELLED = 1223;
 inline constexpr uint32_t ERROR_CANTOPEN = 1011;
 inline constexpr uint32_t ERROR_CANTREAD = 1012;
 inline constexpr uint32_t ERROR_CANTWRITE = 1013;
@@ -61,6 +64,8 @@ inline constexpr uint32_t ERROR_SERVICE_NOT_ACTIVE = 1062;
 inline constexpr uint32_t ERROR_DATATYPE_MISMATCH = 1629;
 inline constexpr uint32_t ERROR_CALL_NOT_IMPLEMENTED = 120;
 inline constexpr uint32_t ERROR_CANT_RESOLVE_FILENAME = 1921;
+inline constexpr uint32_t ERROR_FILE_CORRUPT = 1392;
+inline constexpr uint32_t ERROR_FILE_READ_ONLY = 6009;
 #endif
 
 // Registry value types.
@@ -83,6 +88,7 @@ inline constexpr uint32_t FILE_ATTRIBUTE_HIDDEN = 0x2;
 inline constexpr uint32_t FILE_ATTRIBUTE_SYSTEM = 0x4;
 inline constexpr uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr uint32_t FILE_ATTRIBUTE_ARCHIVE = 0x20;
+inline constexpr uint32_t FILE_ATTRIBUTE_DEVICE = 0x40;
 inline constexpr uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
 inline constexpr uint32_t FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 #endif

@@ -1,6 +1,7 @@
 // An XML document service: load, walk children, read attributes, delete children, save.
 #pragma once
 #include <memory>
+#include <vector>
 
 #include "WinTypes.h"
 
@@ -22,6 +23,10 @@ class IXmlDocument {
   virtual String NodeText(XmlNode node) = 0;
   virtual String Attribute(XmlNode node, const String& name) = 0;
   virtual void RemoveChild(XmlNode node, size_t index) = 0;
+  // The children Child gives, all at once, so a walk over many is linear.
+  virtual std::vector<XmlNode> Children(XmlNode node) = 0;
+  // Removes the node from its parent as RemoveChild does; its handle becomes invalid.
+  virtual void Remove(XmlNode node) = 0;
 };
 
 class IXmlDocuments {

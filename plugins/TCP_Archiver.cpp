@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "engine/TC_Common.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
-#include "platform/Stringhelper.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
+#include "platform/helpers/Stringhelper.h"
 
 namespace tc {
 

@@ -4,12 +4,12 @@
 #include <stdexcept>
 
 #include "engine/TC_Common.h"
-#include "platform/FileContents.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/FileContents.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Platform.h"
-#include "platform/Stringhelper.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -100,7 +100,9 @@ String FindClientFolder(const String& nameFragment, const String& exe) {
 void CountKnownMet(TTCPlugin& p, const String& file) {
   if (file.empty()) return;
   int64_t size = GetFileSize64(file);
-  if (size >= 0) p.IncTraceCount(KnownMetTraceCount(size));
+  if (size < 0) return;
+  p.IncTraceCount(KnownMetTraceCount(size));
+  p.PreviewEntries(file, KnownMetTraceCount(size), size);
 }
 
 void RemoveFile(TTCPlugin& p, const String& file) {
@@ -133,7 +135,7 @@ int KnownMetTraceCount(int64_t size) {
   return n < 1 ? 1 : static_cast<int>(n > 0x7FFFFFFF ? 0x7FFFFFFF : n);
 }
 
-int CountSearchStringLines(const Bytes& data) {
+StringList SearchStringLines(const Bytes& data) {
   String text;
   if (data.size() >= 2 && data[0] == 0xFF && data[1] == 0xFE)
     text = FromUtf16LE(data.data() + 2, data.size() - 2);
@@ -142,17 +144,22 @@ int CountSearchStringLines(const Bytes& data) {
         FromUtf8(std::string_view(reinterpret_cast<const char*>(data.data()) + 3, data.size() - 3));
   else
     text = FromAnsi(std::string_view(reinterpret_cast<const char*>(data.data()), data.size()));
-  int count = 0;
+  StringList lines;
   size_t start = 0;
   while (start <= text.size()) {
     size_t end = text.find_first_of(u"\r\n", start);
     if (end == String::npos) end = text.size();
-    if (!Trim(text.substr(start, end - start)).empty()) ++count;
+    String line = Trim(text.substr(start, end - start));
+    if (!line.empty()) lines.push_back(line);
     if (end < text.size() && text[end] == u'\r' && end + 1 < text.size() && text[end + 1] == u'\n')
       ++end;
     start = end + 1;
   }
-  return count;
+  return lines;
+}
+
+int CountSearchStringLines(const Bytes& data) {
+  return static_cast<int>(SearchStringLines(data).size());
 }
 
 String ProgramOfCommand(const String& command) {
@@ -177,7 +184,7 @@ TTCPAzureusStatistics::TTCPAzureusStatistics() : TTCPlugin(u"TTCPAzureusStatisti
   String installDir =
       GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\Azureus", u"", u"", RO_None);
   Active = !installDir.empty() && DirExists(installDir);
-  AddFiles(*this, GetAppDataDir() + u"Azureus\\", u"azureus.statistics");
+  if (Active) AddFiles(*this, GetAppDataDir() + u"Azureus\\", u"azureus.statistics");
 }
 
 TTCPEMuleDownloadMRU::TTCPEMuleDownloadMRU() : TTCPlugin(u"TTCPEMuleDownloadMRU") {
@@ -217,7 +224,11 @@ void TTCPEMuleSearchMRU::Scan() {
   Bytes data;
   if (FileContents::Read(*Services().Files, file, data) != ERROR_SUCCESS)
     throw std::runtime_error("cannot read " + ToUtf8(file));
-  IncTraceCount(CountSearchStringLines(data));
+  const StringList lines = SearchStringLines(data);
+  IncTraceCount(static_cast<int>(lines.size()));
+  for (const auto& line : lines)
+    PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, file}, TTT_Unknown, 0, line,
+                 static_cast<int64_t>(data.size()));
 }
 
 void TTCPEMuleSearchMRU::Clean() {

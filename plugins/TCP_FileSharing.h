@@ -92,6 +92,8 @@ extern bool KazaaLite;
 // The number of search terms an AC_SearchStrings.dat holds: its lines that are not blank.
 // Reads UTF-16LE or UTF-8 text by its byte-order mark, anything else as Windows-1252.
 int CountSearchStringLines(const Bytes& data);
+// The lines that count, trimmed.
+StringList SearchStringLines(const Bytes& data);
 // The number of known.met traces for a file of `size` bytes: one per 250 bytes, at least one.
 int KnownMetTraceCount(int64_t size);
 // The program a command line starts: its quoted head, else the longest blank-separated

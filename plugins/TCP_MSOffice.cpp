@@ -3,12 +3,12 @@
 #include <memory>
 
 #include "engine/TC_Common.h"
-#include "platform/FileContents.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/FileContents.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Platform.h"
-#include "platform/Stringhelper.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/Stringhelper.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -190,7 +190,11 @@ void TTCPOutlookAutoFill::Scan() {
   Bytes data;
   // An unreadable file (Outlook holding it) adds nothing, as the reader reports failure.
   if (FileContents::Read(*Services().Files, file, data) == ERROR_SUCCESS)
-    IncTraceCount(CountNK2Addresses(data));
+  {
+    const int addresses = CountNK2Addresses(data);
+    IncTraceCount(addresses);
+    PreviewEntries(file, addresses, static_cast<int64_t>(data.size()));
+  }
 }
 
 void TTCPOutlookAutoFill::Clean() {

@@ -3,10 +3,10 @@
 #include <memory>
 
 #include "engine/TC_Common.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Shell.h"
-#include "platform/Stringhelper.h"
+#include "platform/helpers/Stringhelper.h"
 
 namespace tc {
 
@@ -29,13 +29,18 @@ String FindWinampFolder() {
   return OrviFileExists(folder + u"Winamp.ini") ? folder : String();
 }
 
-// Counts the listed Winamp.ini keys that hold text.
-int CountWinampKeys(const StringList& keys) {
+// Counts the listed Winamp.ini keys that hold text, each offered to the preview.
+int CountWinampKeys(TTCPlugin& p, const StringList& keys) {
   String ini = WinampIni();
   if (ini.empty()) return 0;
   int n = 0;
-  for (const auto& key : keys)
-    if (!GetPPString(kWinampSection, key, u"", ini).empty()) ++n;
+  for (const auto& key : keys) {
+    String text = GetPPString(kWinampSection, key, u"", ini);
+    if (text.empty()) continue;
+    ++n;
+    p.PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, ini}, TTT_Unknown, 0,
+                   key + u"=" + text);
+  }
   return n;
 }
 
@@ -106,7 +111,7 @@ TTCPWinampRecentURLs::TTCPWinampRecentURLs() : TTCPlugin(u"TTCPWinampRecentURLs"
 
 void TTCPWinampRecentURLs::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(CountWinampKeys(RecentURLKeys()));
+  IncTraceCount(CountWinampKeys(*this, RecentURLKeys()));
 }
 
 void TTCPWinampRecentURLs::Clean() {
@@ -133,7 +138,7 @@ TTCPWinampRecentFolder::TTCPWinampRecentFolder() : TTCPlugin(u"TTCPWinampRecentF
 
 void TTCPWinampRecentFolder::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(CountWinampKeys({u"cwd"}));
+  IncTraceCount(CountWinampKeys(*this, {u"cwd"}));
 }
 
 void TTCPWinampRecentFolder::Clean() {

@@ -1,11 +1,12 @@
 #include "plugins/TCP_Windows.h"
 
 #include "engine/TC_Common.h"
-#include "platform/Eventlog.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
-#include "platform/RecycleBinHelpers.h"
-#include "platform/Stringhelper.h"
+#include "platform/helpers/ErrorText.h"
+#include "platform/helpers/Eventlog.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
+#include "platform/helpers/RecycleBinHelpers.h"
+#include "platform/helpers/Stringhelper.h"
 
 namespace tc {
 
@@ -31,15 +32,26 @@ bool OpenLogAt(TNTEventLog& log, int position) {
   return true;
 }
 
-void ScanEventLog(TTCPlugin& plugin, int position) {
-  TNTEventLog log(nullptr);
-  if (OpenLogAt(log, position)) plugin.IncTraceCount(log.GetCount());
+// A log the user may not read or clear (the security log, for most) stays as it is; the
+// plug-in says so instead of counting nothing in silence.
+void NoteRefusedLog(TTCPlugin& plugin, const TNTEventLog& log, const char16_t* what) {
+  plugin.Note = u"the event log " + log.Log() + u" could not be " + what + u" (" +
+                SysErrorMessage(log.LastError()) + u"); it is left as it is";
 }
 
-void CleanEventLog(int position) {
+void ScanEventLog(TTCPlugin& plugin, int position) {
   TNTEventLog log(nullptr);
-  // A log the user may not clear stays as it is.
-  if (OpenLogAt(log, position)) log.Clear();
+  plugin.Note.clear();
+  if (!OpenLogAt(log, position)) return;
+  if (log.Active()) plugin.IncTraceCount(log.GetCount());
+  else NoteRefusedLog(plugin, log, u"opened");
+}
+
+void CleanEventLog(TTCPlugin& plugin, int position) {
+  TNTEventLog log(nullptr);
+  if (!OpenLogAt(log, position)) return;
+  if (!log.Active()) NoteRefusedLog(plugin, log, u"opened");
+  else if (!log.Clear()) NoteRefusedLog(plugin, log, u"cleared");
 }
 
 TTCPRecycleBin* TCPRecycleBin = nullptr;
@@ -64,7 +76,9 @@ void TTCPRecycleBin::Scan() {
   TTCPlugin::Scan();
   int64_t items = 0, size = 0;
   GetRecycleBinsInfo(items, size);
-  IncTraceCount(static_cast<int32_t>(static_cast<uint32_t>(items)));
+  const int32_t count = static_cast<int32_t>(static_cast<uint32_t>(items));
+  IncTraceCount(count);
+  PreviewEntries(u"Papierkorb", count > 0 ? count : 0, size);
 }
 
 void TTCPRecycleBin::Clean() {
@@ -102,6 +116,9 @@ void TTCPPagingFile::Scan() {
   StringList files;
   EnumPagingFiles(files);
   IncTraceCount(static_cast<int>(files.size()));
+  for (const auto& file : files)
+    PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, file}, TTT_FileName, 0, {},
+                 GetFileSize64(file));
 }
 
 void TTCPPagingFile::Clean() {
@@ -110,8 +127,9 @@ void TTCPPagingFile::Clean() {
   EnumPagingFiles(files);
   // Windows holds its paging files open: they can only go at the next start.
   for (const auto& file : files) {
-    DeleteFileOnReboot(file);
+    bool scheduled = DeleteFileOnReboot(file);
     RebootRequired = true;
+    AddFileCleanFailure(file, u"remove file", ERROR_SHARING_VIOLATION, scheduled);
   }
 }
 
@@ -132,7 +150,7 @@ void TTCPWindowsEventApps::Scan() {
 
 void TTCPWindowsEventApps::Clean() {
   TTCPlugin::Clean();
-  CleanEventLog(0);
+  CleanEventLog(*this, 0);
 }
 
 TTCPWindowsEventSecurity::TTCPWindowsEventSecurity() : TTCPlugin(u"TTCPWindowsEventSecurity") {
@@ -151,7 +169,7 @@ void TTCPWindowsEventSecurity::Scan() {
 
 void TTCPWindowsEventSecurity::Clean() {
   TTCPlugin::Clean();
-  CleanEventLog(1);
+  CleanEventLog(*this, 1);
 }
 
 TTCPWindowsEventSystem::TTCPWindowsEventSystem() : TTCPlugin(u"TTCPWindowsEventSystem") {
@@ -171,7 +189,7 @@ void TTCPWindowsEventSystem::Scan() {
 
 void TTCPWindowsEventSystem::Clean() {
   TTCPlugin::Clean();
-  CleanEventLog(2);
+  CleanEventLog(*this, 2);
 }
 
 void TCP_Windows_Initialization() {

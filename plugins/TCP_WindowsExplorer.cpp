@@ -1,7 +1,7 @@
 #include "plugins/TCP_WindowsExplorer.h"
 
 #include "engine/TC_Common.h"
-#include "platform/Orvihelper.h"
+#include "platform/helpers/Orvihelper.h"
 #include "platform/Platform.h"
 
 namespace tc {

@@ -1,8 +1,8 @@
 #include "plugins/TCP_WindowsTools.h"
 
 #include "engine/TC_Common.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
 
 namespace tc {
 

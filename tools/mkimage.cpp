@@ -3,13 +3,18 @@
 //                     Documents and Settings), copied as it is
 //   SOURCE/registry/  .reg files, applied in name order (HKEY_CURRENT_USER goes to the
 //                     profile's NTUSER.DAT, HKEY_LOCAL_MACHINE to SOFTWARE and SYSTEM)
+//   index.dat.txt     anywhere in the tree: becomes the URL cache index "index.dat" beside it,
+//                     one entry a line: source URL, then after a tab the entry's local file
+//                     relative to the index's folder ("AB12CD34\page[1].htm"), if it has one
 // OUT is replaced if it is an image this tool made; any other existing folder is refused.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
+#include "platform/helpers/TextCodec.h"
 #include "platform/offline/HiveFormat.h"
+#include "platform/offline/IndexDat.h"
 #include "platform/offline/OfflineImage.h"
 #include "platform/offline/RegFileImport.h"
 
@@ -48,6 +53,43 @@ bool MakeHive(const fs::path& file) {
   return tc::WriteEmptyHive(file.string(), "ROOT") == 0;
 }
 
+// Builds each index.dat from its listing and removes the listing.
+bool BuildIndexes(const fs::path& root, std::string& error) {
+  std::vector<fs::path> listings;
+  for (const auto& e : fs::recursive_directory_iterator(root))
+    if (e.is_regular_file() && e.path().filename() == "index.dat.txt") listings.push_back(e.path());
+  for (const fs::path& listing : listings) {
+    std::vector<tc::IndexDatEntry> entries;
+    std::ifstream in(listing);
+    for (std::string line; std::getline(in, line);) {
+      if (line.empty()) continue;
+      size_t tab = line.find('\t');
+      tc::IndexDatEntry e;
+      e.Url = tc::FromUtf8(line.substr(0, tab));
+      std::string local = tab == std::string::npos ? "" : line.substr(tab + 1);
+      size_t slash = local.find('\\');
+      e.Directory = tc::FromUtf8(slash == std::string::npos ? "" : local.substr(0, slash));
+      e.FileName = tc::FromUtf8(slash == std::string::npos ? local : local.substr(slash + 1));
+      e.EntryType = e.Url.rfind(u"Cookie:", 0) == 0 ? 0x00100001
+                    : e.Url.rfind(u"Visited:", 0) == 0 || e.Url.rfind(u":", 0) == 0 ? 0x00200001
+                                                                                  : 1;
+      std::error_code ec;
+      fs::path file = listing.parent_path() / tc::ToUtf8(e.Directory) / tc::ToUtf8(e.FileName);
+      if (!local.empty()) e.FileSize = fs::file_size(file, ec);
+      entries.push_back(std::move(e));
+    }
+    tc::Bytes index;
+    if (!tc::BuildIndexDat(entries, index, error)) {
+      error = listing.string() + ": " + error;
+      return false;
+    }
+    std::ofstream(listing.parent_path() / "index.dat", std::ios::binary)
+        .write(reinterpret_cast<const char*>(index.data()), static_cast<std::streamsize>(index.size()));
+    fs::remove(listing);
+  }
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -66,6 +108,8 @@ int main(int argc, char** argv) {
   fs::copy(source / "tree", out, fs::copy_options::recursive | fs::copy_options::copy_symlinks,
            ec);
   if (ec) return Fail("cannot copy " + (source / "tree").string() + ": " + ec.message());
+  std::string indexError;
+  if (!BuildIndexes(out, indexError)) return Fail(indexError);
 
   fs::path profile;
   bool vista = true;

@@ -15,8 +15,15 @@ if [ ! -f "$WINEPREFIX/system.reg" ]; then
     '[ -f "$WINEPREFIX/system.reg" ] || wine wineboot -i >/dev/null 2>&1 </dev/null'
 fi
 out=$(mktemp) && err=$(mktemp) || exit 1
-wine "$@" >"$out" 2>"$err" </dev/null
-rc=$?
+# A program that printed nothing and failed never started (Wine loses a start now and then
+# when many run at once): it gets two more tries.
+for try in 1 2 3; do
+  wine "$@" >"$out" 2>"$err" </dev/null
+  rc=$?
+  if [ "$rc" = 0 ] || [ -s "$out" ]; then break; fi
+  echo "wine-run: $1 printed nothing and ended with $rc (try $try)" >&2
+  sleep 1
+done
 cat "$out"
 cat "$err" >&2
 rm -f "$out" "$err"

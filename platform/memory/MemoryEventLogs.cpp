@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <functional>
 
-#include "platform/TextCodec.h"
-#include "platform/WinPath.h"
+#include "platform/helpers/TextCodec.h"
+#include "platform/helpers/WinPath.h"
 
 namespace tc {
 
@@ -21,6 +21,7 @@ constexpr uint32_t kSettableAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUT
 struct Body {
   Bytes Data;
   int64_t LastWrite = 0;
+  uint32_t Names = 1;  // hard links to this content
 };
 
 }  // namespace
@@ -37,7 +38,8 @@ struct MemoryFileSystem::Node {
   bool IsRealFolder() const {
     return (Attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 && !IsLink();
   }
-  bool IsPlainFile() const { return (Attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && !IsLink(); }
+  bool IsPlainFile() const { return File != nullptr; }
+  bool IsDevice() const { return (Attributes & FILE_ATTRIBUTE_DEVICE) != 0; }
 };
 
 struct MemoryFileSystem::Shared {
@@ -115,12 +117,14 @@ class MemoryFileHandle : public IFileHandle {
   Note note_;
 };
 
-FileInfo InfoOf(const String& name, uint32_t attributes, uint64_t size, int64_t time) {
+FileInfo InfoOf(const String& name, uint32_t attributes, uint64_t size, int64_t time,
+                uint32_t links = 1) {
   FileInfo info;
   info.Name = name;
   info.Attributes = attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes;
   info.Size = size;
   info.LastWriteTime = time;
+  info.Links = links;
   return info;
 }
 
@@ -175,8 +179,8 @@ uint32_t MemoryFileSystem::ListFolder(const String& folder, std::vector<FileInfo
   }
   for (const auto& [up, child] : p.Entry->Children) {
     if (child->File) {
-      entries.push_back(
-          InfoOf(child->Name, child->Attributes, child->File->Data.size(), child->File->LastWrite));
+      entries.push_back(InfoOf(child->Name, child->Attributes, child->File->Data.size(),
+                               child->File->LastWrite, child->File->Names));
     } else {
       entries.push_back(InfoOf(child->Name, child->Attributes, 0, child->LastWrite));
     }
@@ -189,7 +193,8 @@ uint32_t MemoryFileSystem::GetInfo(const String& path, FileInfo& info) {
   if (uint32_t rc = Locate(path, p)) return rc;
   if (!p.Entry) return ERROR_FILE_NOT_FOUND;
   const Node& n = *p.Entry;
-  info = n.File ? InfoOf(n.Name, n.Attributes, n.File->Data.size(), n.File->LastWrite)
+  info = n.File ? InfoOf(n.Name, n.Attributes, n.File->Data.size(), n.File->LastWrite,
+                         n.File->Names)
                 : InfoOf(n.Name, n.Attributes, 0, n.LastWrite);
   return ERROR_SUCCESS;
 }
@@ -200,7 +205,7 @@ uint32_t MemoryFileSystem::Open(const String& path, OpenMode mode,
   Place p;
   if (uint32_t rc = Locate(path, p)) return rc;
   Node* n = p.Entry;
-  if (n && !n->IsPlainFile()) return ERROR_ACCESS_DENIED;
+  if (n && (!n->IsPlainFile() || n->IsLink())) return ERROR_ACCESS_DENIED;
   const bool readOnly = n && (n->Attributes & FILE_ATTRIBUTE_READONLY);
   switch (mode) {
     case OpenMode::Read:
@@ -242,10 +247,11 @@ uint32_t MemoryFileSystem::RemoveFile(const String& path) {
   Place p;
   if (uint32_t rc = Locate(path, p)) return rc;
   if (!p.Entry) return ERROR_FILE_NOT_FOUND;
-  if (!p.Parent || p.Entry->IsRealFolder()) return ERROR_ACCESS_DENIED;
+  if (!p.Parent || p.Entry->IsRealFolder() || p.Entry->IsDevice()) return ERROR_ACCESS_DENIED;
   if (!p.Entry->IsLink() && (p.Entry->Attributes & FILE_ATTRIBUTE_READONLY)) {
     return ERROR_ACCESS_DENIED;
   }
+  if (p.Entry->File) --p.Entry->File->Names;
   p.Parent->Children.erase(UpperCase(p.Leaf));
   Note(FsChange{FsChange::Kind::RemoveFile, path, String(), 0, Bytes()});
   return ERROR_SUCCESS;
@@ -281,7 +287,7 @@ uint32_t MemoryFileSystem::RemoveFolder(const String& path) {
   if (uint32_t rc = Locate(path, p)) return rc;
   if (!p.Entry) return ERROR_FILE_NOT_FOUND;
   if (!p.Parent) return ERROR_ACCESS_DENIED;
-  if (p.Entry->IsPlainFile()) return ERROR_PATH_NOT_FOUND;
+  if (p.Entry->IsPlainFile() || p.Entry->IsDevice()) return ERROR_PATH_NOT_FOUND;
   if (!p.Entry->IsLink()) {
     if (p.Entry->Attributes & FILE_ATTRIBUTE_READONLY) return ERROR_ACCESS_DENIED;
     if (!p.Entry->Children.empty()) return ERROR_DIR_NOT_EMPTY;
@@ -295,7 +301,7 @@ uint32_t MemoryFileSystem::Rename(const String& from, const String& to) {
   Place src, dst;
   if (uint32_t rc = Locate(from, src)) return rc;
   if (!src.Entry) return ERROR_FILE_NOT_FOUND;
-  if (!src.Parent) return ERROR_ACCESS_DENIED;
+  if (!src.Parent || src.Entry->IsDevice()) return ERROR_ACCESS_DENIED;
   if (uint32_t rc = Locate(to, dst)) return rc;
   if (!dst.Parent) return ERROR_ACCESS_DENIED;
   const bool sameEntry = dst.Entry == src.Entry;
@@ -307,6 +313,7 @@ uint32_t MemoryFileSystem::Rename(const String& from, const String& to) {
       dst.Key.compare(0, src.Key.size(), src.Key) == 0 && dst.Key[src.Key.size()] == u'\\') {
     return ERROR_ACCESS_DENIED;  // a folder into itself
   }
+  if (dst.Entry && !sameEntry) --dst.Entry->File->Names;
   auto it = src.Parent->Children.find(UpperCase(src.Leaf));
   std::unique_ptr<Node> moving = std::move(it->second);
   src.Parent->Children.erase(it);
@@ -399,6 +406,28 @@ uint32_t MemoryFileSystem::AddLink(const String& path, const String& target, boo
   uint32_t rc = AddNode(path, std::move(node));
   shared_->Recording = wasRecording;
   return rc;
+}
+
+uint32_t MemoryFileSystem::AddHardLink(const String& path, const String& existing) {
+  Place p;
+  if (uint32_t rc = Locate(existing, p)) return rc;
+  if (!p.Entry || !p.Entry->IsPlainFile()) return ERROR_FILE_NOT_FOUND;
+  auto node = std::make_unique<Node>();
+  node->Attributes = p.Entry->Attributes;
+  node->File = p.Entry->File;
+  bool wasRecording = shared_->Recording;
+  shared_->Recording = false;
+  uint32_t rc = AddNode(path, std::move(node));
+  shared_->Recording = wasRecording;
+  if (rc == ERROR_SUCCESS) ++p.Entry->File->Names;
+  return rc;
+}
+
+uint32_t MemoryFileSystem::AddDevice(const String& path) {
+  auto node = std::make_unique<Node>();
+  node->Attributes = FILE_ATTRIBUTE_DEVICE;
+  node->LastWrite = Now();
+  return AddNode(path, std::move(node));
 }
 
 uint32_t MemoryFileSystem::SetLastWriteTime(const String& path, int64_t fileTime) {

@@ -50,6 +50,10 @@ class MemoryFileSystem : public IFileSystem {
   // A symbolic link (file) or junction (folder = true) named `path`: listed with
   // FILE_ATTRIBUTE_REPARSE_POINT, never entered; `target` is only remembered.
   uint32_t AddLink(const String& path, const String& target, bool folder = true);
+  // A second name for the content of the file `existing` (a hard link).
+  uint32_t AddHardLink(const String& path, const String& existing);
+  // A pipe or device node: listed with FILE_ATTRIBUTE_DEVICE, never opened or removed.
+  uint32_t AddDevice(const String& path);
   uint32_t SetLastWriteTime(const String& path, int64_t fileTime);
 
   // Inspection for tests.

@@ -1,13 +1,26 @@
 #include "platform/memory/MemoryPlatform.h"
 
-#include "platform/DefaultIconCatalogue.h"
+#include "platform/common/DefaultIconCatalogue.h"
 #if TC_HAVE_PUGIXML
-#include "platform/PugiXmlDocuments.h"
+#include "platform/common/PugiXmlDocuments.h"
 #else
 #include "platform/win32/MsXmlDocuments.h"
 #endif
-#include "platform/RegistryProductSettings.h"
-#include "platform/TextIniFiles.h"
+#include "platform/common/RegistryProductSettings.h"
+#include "platform/common/SqliteFiles.h"
+#ifdef _WIN32
+#include "platform/win32/WinSqlite.h"
+#else
+#include "platform/common/LinkedSqlite.h"
+#endif
+#if TC_HAVE_LIBYAL
+#include "platform/common/LibJumpListFiles.h"
+#include "platform/common/LibShellItems.h"
+#else
+#include "platform/win32/Win32JumpListFiles.h"
+#include "platform/win32/Win32ShellItems.h"
+#endif
+#include "platform/common/TextIniFiles.h"
 
 namespace tc {
 
@@ -60,7 +73,7 @@ MemoryWindows MakeMemoryWindows() {
   m.FileFaults = std::make_shared<FaultyFileSystem>(m.Files);
   m.Shell = std::make_shared<MemoryShell>();
   m.UI = std::make_shared<TimerQueueUI>(m.Clock);
-  m.UrlCache = std::make_shared<MemoryUrlCache>();
+  m.UrlCache = std::make_shared<MemoryUrlCache>(m.FileFaults);
   m.UrlHistory = std::make_shared<MemoryUrlHistory>();
   m.ProtectedStorage = std::make_shared<MemoryProtectedStorage>();
   m.EventLogs = std::make_shared<MemoryEventLogs>();
@@ -89,6 +102,20 @@ MemoryWindows MakeMemoryWindows() {
   p->UI = m.UI;
   p->Clock = m.Clock;
   p->Icons = std::make_shared<DefaultIconCatalogue>();
+#ifdef _WIN32
+  String noSqlite;
+  const SqliteApi* sqlite = WinSqlite(noSqlite);
+  p->Sqlite = std::make_shared<SqliteFiles>(m.FileFaults, sqlite, noSqlite);
+#else
+  p->Sqlite = std::make_shared<SqliteFiles>(m.FileFaults, LinkedSqlite());
+#endif
+#if TC_HAVE_LIBYAL
+  p->ShellItems = std::make_shared<LibShellItems>();
+  p->JumpLists = std::make_shared<LibJumpListFiles>(p->ShellItems);
+#else
+  p->ShellItems = std::make_shared<Win32ShellItems>();
+  p->JumpLists = std::make_shared<Win32JumpListFiles>(p->ShellItems);
+#endif
   m.Platform = std::move(p);
   return m;
 }

@@ -7,11 +7,11 @@
 #pragma once
 #include <memory>
 
-#include "platform/FaultInjection.h"
-#include "platform/FolderRecycleBin.h"
-#include "platform/PendingRenameRebootDeleter.h"
+#include "platform/common/FaultInjection.h"
+#include "platform/common/FolderRecycleBin.h"
+#include "platform/common/PendingRenameRebootDeleter.h"
 #include "platform/Platform.h"
-#include "platform/TimerQueueUI.h"
+#include "platform/common/TimerQueueUI.h"
 #include "platform/memory/ManualClock.h"
 #include "platform/memory/MemoryEventLogs.h"
 #include "platform/memory/MemoryFileSystem.h"

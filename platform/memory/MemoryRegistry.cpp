@@ -3,8 +3,8 @@
 #include <list>
 #include <unordered_map>
 
-#include "platform/RegData.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/RegData.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 

@@ -1,5 +1,7 @@
 #include "platform/memory/MemoryShell.h"
 
+#include "platform/common/KnownFolders.h"
+
 namespace tc {
 
 MemoryShell::MemoryShell() {
@@ -25,6 +27,8 @@ MemoryShell::MemoryShell() {
       {kCSIDL_SYSTEM, u"C:\\Windows\\system32"},
       {kCSIDL_PROGRAM_FILES, u"C:\\Program Files"},
       {kCSIDL_PROFILE, profile},
+      {kCSIDL_SYSTEMX86, u"C:\\Windows\\SysWOW64"},
+      {kCSIDL_PROGRAM_FILESX86, u"C:\\Program Files (x86)"},
   };
 }
 
@@ -36,6 +40,10 @@ uint32_t MemoryShell::GetSpecialFolder(int csidl, String& path) {
   }
   path = it->second;
   return ERROR_SUCCESS;
+}
+
+uint32_t MemoryShell::GetKnownFolder(const String& folderId, String& path) {
+  return KnownFolderFromSpecialFolders(*this, folderId, path);
 }
 
 void MemoryShell::ChangeNotify(int32_t eventId, uint32_t flags, const String& path) {

@@ -21,6 +21,7 @@ class MemoryShell : public IShell {
   MemoryShell();
 
   uint32_t GetSpecialFolder(int csidl, String& path) override;
+  uint32_t GetKnownFolder(const String& folderId, String& path) override;
   void ChangeNotify(int32_t eventId, uint32_t flags, const String& path) override;
 
   void SetFolder(int csidl, const String& path);

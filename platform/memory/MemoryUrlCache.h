@@ -2,13 +2,17 @@
 #pragma once
 #include <set>
 
+#include "platform/FileSystem.h"
 #include "platform/UrlCache.h"
 
 namespace tc {
 
 class MemoryUrlCache : public IUrlCache {
  public:
-  uint32_t FindFirst(std::unique_ptr<IUrlCacheFind>& find, UrlCacheEntry& entry) override;
+  // Deleting an entry removes its local file from `files` (none: only the entry goes).
+  explicit MemoryUrlCache(std::shared_ptr<IFileSystem> files = nullptr) : files_(std::move(files)) {}
+  uint32_t FindFirst(std::unique_ptr<IUrlCacheFind>& find, UrlCacheEntry& entry,
+                     uint32_t& size) override;
   uint32_t DeleteEntry(const String& sourceUrlName) override;
 
   void Add(UrlCacheEntry entry) { entries_.push_back(std::move(entry)); }
@@ -19,6 +23,7 @@ class MemoryUrlCache : public IUrlCache {
   void SetUnavailable(uint32_t code = ERROR_NOT_SUPPORTED) { failure_ = code; }
 
  private:
+  std::shared_ptr<IFileSystem> files_;
   std::vector<UrlCacheEntry> entries_;
   std::set<String> locked_;
   uint32_t failure_ = ERROR_SUCCESS;

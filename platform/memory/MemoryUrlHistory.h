@@ -8,6 +8,7 @@ class MemoryUrlHistory : public IUrlHistory {
  public:
   uint32_t Enumerate(std::vector<UrlHistoryEntry>& entries) override;
   uint32_t DeleteUrl(const String& url) override;
+  uint32_t Commit() override { return failure_; }
 
   void Add(UrlHistoryEntry entry) { entries_.push_back(std::move(entry)); }
   const std::vector<UrlHistoryEntry>& Entries() const { return entries_; }

@@ -2,13 +2,17 @@
 
 #include <fcntl.h>
 #include <hivex.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <type_traits>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/offline/HiveFormat.h"
 #include "platform/offline/OsError.h"
 
@@ -101,9 +105,10 @@ uint32_t Hive::Values(Node node, const std::vector<RegNamedValue>*& values) {
     CachedValues cached;
     for (hive_value_h* v = handles; *v; ++v) {
       char* key = hivex_value_key(h_, *v);
-      hive_type type;
+      // A damaged hive may hold any number as a type: held as the integer, never as the enum.
+      std::underlying_type_t<hive_type> type = 0;
       size_t len = 0;
-      char* data = hivex_value_value(h_, *v, &type, &len);
+      char* data = hivex_value_value(h_, *v, reinterpret_cast<hive_type*>(&type), &len);
       if (key && data) {  // a damaged value is left out rather than failing the key
         RegNamedValue value;
         value.Name = FromUtf8(key);
@@ -159,6 +164,37 @@ uint32_t Hive::DeleteTree(Node node) {
   return ERROR_SUCCESS;
 }
 
+uint32_t Hive::CheckReplaceable(std::string& error) const {
+  const std::string probe = path_ + ".tc-check";
+  int fd = open(probe.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (fd < 0) {
+    int err = errno;
+    error = path_ + " cannot be replaced: its folder takes no new file (" + std::strerror(err) + ")";
+    return WinErrorFromErrno(err);
+  }
+  close(fd);
+  unlink(probe.c_str());
+  struct stat st {};
+  struct statvfs vfs {};
+  if (stat(path_.c_str(), &st) == 0 && statvfs(probe.substr(0, probe.rfind('/') + 1).c_str(), &vfs) == 0 &&
+      uint64_t(vfs.f_bavail) * vfs.f_frsize < uint64_t(st.st_size)) {
+    error = path_ + " cannot be replaced: no room for the new copy";
+    return ERROR_DISK_FULL;
+  }
+  int flags = 0;
+  fd = open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd >= 0) {
+    bool fixed = ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0 &&
+                 (flags & (FS_IMMUTABLE_FL | FS_APPEND_FL)) != 0;
+    close(fd);
+    if (fixed) {
+      error = path_ + " cannot be replaced: the file is immutable";
+      return ERROR_FILE_READ_ONLY;
+    }
+  }
+  return ERROR_SUCCESS;
+}
+
 uint32_t Hive::Commit(std::string& error) {
   if (!dirty_) return ERROR_SUCCESS;
   for (auto& [node, cached] : values_) {
@@ -170,7 +206,8 @@ uint32_t Hive::Commit(std::string& error) {
       RegNamedValue& v = cached.values[i];
       names.push_back(ToUtf8(v.Name));
       set[i].key = names.back().data();
-      set[i].t = hive_type(v.Value.Type);
+      static_assert(sizeof set[i].t == sizeof v.Value.Type);
+      std::memcpy(&set[i].t, &v.Value.Type, sizeof set[i].t);  // any type number, as it was read
       set[i].len = v.Value.Data.size();
       set[i].value = reinterpret_cast<char*>(v.Value.Data.data());
     }
@@ -183,7 +220,16 @@ uint32_t Hive::Commit(std::string& error) {
     cached.changed = false;
   }
 
-  std::string temp = path_ + ".tc-new";
+  // A name of its own, so that no other writer of this hive meets it.
+  std::string temp = path_ + ".tc-XXXXXX";
+  int reserved = mkostemp(temp.data(), O_CLOEXEC);
+  if (reserved < 0) {
+    int err = errno;
+    error = path_ + ": making the new hive failed (" + std::strerror(err) +
+            "); the hive is unchanged";
+    return WinErrorFromErrno(err);
+  }
+  close(reserved);
   auto fail = [&](const char* what, int err) {
     unlink(temp.c_str());
     error = path_ + ": " + what + " failed (" + std::strerror(err) + "); the hive is unchanged";

@@ -35,6 +35,9 @@ class Hive {
   uint32_t DeleteTree(Node node);
 
   bool Dirty() const { return dirty_; }
+  // Whether Commit could replace the file now: its folder takes a new file, the volume has
+  // room for the copy, the file is not immutable. ERROR_SUCCESS, or the code and `error`.
+  uint32_t CheckReplaceable(std::string& error) const;
   // Writes the hive to a new file beside it, wipes its free cells, flushes it and renames
   // it over the original: the original stays intact if anything fails. Does nothing
   // when nothing changed.

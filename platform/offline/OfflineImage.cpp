@@ -1,15 +1,22 @@
 #include "platform/offline/OfflineImage.h"
 
-#include "platform/DefaultIconCatalogue.h"
-#include "platform/FolderRecycleBin.h"
-#include "platform/PendingRenameRebootDeleter.h"
-#include "platform/PugiXmlDocuments.h"
-#include "platform/RegistryProductSettings.h"
-#include "platform/SystemClock.h"
-#include "platform/TextCodec.h"
-#include "platform/TextIniFiles.h"
-#include "platform/TimerQueueUI.h"
-#include "platform/Unavailable.h"
+#include "platform/common/DefaultIconCatalogue.h"
+#include "platform/common/FolderRecycleBin.h"
+#include "platform/common/LinkedSqlite.h"
+#include "platform/common/LibJumpListFiles.h"
+#include "platform/common/LibShellItems.h"
+#include "platform/common/PendingRenameRebootDeleter.h"
+#include "platform/common/PugiXmlDocuments.h"
+#include "platform/common/RegistryProductSettings.h"
+#include "platform/common/SqliteFiles.h"
+#include "platform/common/SystemClock.h"
+#include "platform/helpers/TextCodec.h"
+#include "platform/common/TextIniFiles.h"
+#include "platform/common/TimerQueueUI.h"
+#include "platform/common/Unavailable.h"
+#include "platform/offline/OfflineProtectedStorage.h"
+#include "platform/offline/OfflineUrlCache.h"
+#include "platform/offline/OfflineUrlHistory.h"
 
 namespace tc {
 
@@ -142,6 +149,10 @@ std::unique_ptr<OfflineImage> OfflineImage::Open(const OfflineOptions& options,
                                  " is empty");
   }
   image->registry_ = std::make_shared<OfflineRegistry>(std::move(hives));
+  UrlCacheContainers containers(image->volume_,
+                                std::make_shared<OfflineShell>(image->registry_, profile));
+  for (const std::string& damaged : containers.Damaged())
+    image->warnings_.push_back(damaged + "; its entries are left alone");
   return image;
 }
 
@@ -150,9 +161,10 @@ std::shared_ptr<Platform> OfflineImage::MakePlatform() const {
   p->Registry = registry_;
   p->Files = volume_;
   p->Shell = std::make_shared<OfflineShell>(registry_, profile_);
-  p->UrlCache = std::make_shared<UnavailableUrlCache>();
-  p->ProtectedStorage = std::make_shared<UnavailableProtectedStorage>();
-  p->UrlHistory = std::make_shared<UnavailableUrlHistory>();
+  auto containers = std::make_shared<UrlCacheContainers>(volume_, p->Shell);
+  p->UrlCache = std::make_shared<OfflineUrlCache>(containers);
+  p->ProtectedStorage = std::make_shared<OfflineProtectedStorage>(registry_);
+  p->UrlHistory = std::make_shared<OfflineUrlHistory>(containers);
   p->EventLogs = std::make_shared<UnavailableEventLogs>();
   StringList roots;
   for (const auto& drive : volume_->Drives().Drives())
@@ -165,6 +177,9 @@ std::shared_ptr<Platform> OfflineImage::MakePlatform() const {
   p->Clock = std::make_shared<SystemClock>();
   p->UI = std::make_shared<TimerQueueUI>(p->Clock);
   p->Icons = std::make_shared<DefaultIconCatalogue>();
+  p->Sqlite = std::make_shared<SqliteFiles>(volume_, LinkedSqlite());
+  p->ShellItems = std::make_shared<LibShellItems>();
+  p->JumpLists = std::make_shared<LibJumpListFiles>(p->ShellItems);
   return p;
 }
 

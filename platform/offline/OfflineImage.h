@@ -31,8 +31,8 @@ class OfflineImage {
   const ProfileInfo& Profile() const { return profile_; }
   const std::shared_ptr<OfflineRegistry>& Registry() const { return registry_; }
   const std::shared_ptr<OfflineVolume>& Volume() const { return volume_; }
-  // Every service of the installation; those that do not exist offline (URL cache,
-  // Protected Storage, URL history, event logs) answer ERROR_NOT_SUPPORTED.
+  // Every service of the installation; the event logs, which do not exist offline, answer
+  // ERROR_NOT_SUPPORTED.
   std::shared_ptr<Platform> MakePlatform() const;
 
  private:

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -278,14 +278,37 @@ uint32_t OfflineRegistry::DeleteKeyTree(HKEY root, const String& key, RegView) {
   return denied ? ERROR_ACCESS_DENIED : ERROR_FILE_NOT_FOUND;
 }
 
+std::vector<std::string> OfflineRegistry::HiveFilesOf(HKEY root, const String& key) {
+  std::vector<Place> places;
+  bool machineRoot = false;
+  std::vector<std::string> files;
+  if (Places(root, key, places, machineRoot) != ERROR_SUCCESS) return files;
+  for (const auto& p : places)
+    if (p.hive) files.push_back(p.hive->Path());
+  return files;
+}
+
+std::vector<OfflineRegistry::HiveWrite> OfflineRegistry::Unreplaceable() const {
+  std::vector<HiveWrite> refused;
+  for (Hive* h : {hives_.User.get(), hives_.Classes.get(), hives_.Software.get(),
+                  hives_.System.get()}) {
+    std::string error;
+    if (h && h->CheckReplaceable(error) != ERROR_SUCCESS) refused.push_back({h->Path(), false, error});
+  }
+  return refused;
+}
+
 uint32_t OfflineRegistry::Flush() {
   flushError_.clear();
+  lastFlush_.clear();
   uint32_t first = ERROR_SUCCESS;
   for (Hive* h : {hives_.User.get(), hives_.Classes.get(), hives_.Software.get(),
                   hives_.System.get()}) {
     if (!h) continue;
     std::string error;
+    const bool dirty = h->Dirty();
     uint32_t rc = h->Commit(error);
+    if (dirty) lastFlush_.push_back({h->Path(), rc == ERROR_SUCCESS, error});
     if (rc != ERROR_SUCCESS && first == ERROR_SUCCESS) {
       first = rc;
       flushError_ = error;

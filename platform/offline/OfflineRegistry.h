@@ -41,6 +41,17 @@ class OfflineRegistry : public IRegistry {
 
   // Why the last Flush failed, naming the hive file ("" after a good one).
   const std::string& FlushError() const { return flushError_; }
+  // What the last Flush did with each hive it had to write.
+  struct HiveWrite {
+    std::string Path;
+    bool Written = false;
+    std::string Error;
+  };
+  const std::vector<HiveWrite>& LastFlush() const { return lastFlush_; }
+  // The files of the hives that hold `key` (HKEY_CLASSES_ROOT: the user's and the machine's).
+  std::vector<std::string> HiveFilesOf(HKEY root, const String& key);
+  // The hives that a Flush could not replace now, with why (Hive::CheckReplaceable).
+  std::vector<HiveWrite> Unreplaceable() const;
 
  private:
   struct Place {
@@ -59,6 +70,7 @@ class OfflineRegistry : public IRegistry {
 
   OfflineHives hives_;
   std::string flushError_;
+  std::vector<HiveWrite> lastFlush_;
 };
 
 }  // namespace tc

@@ -1,6 +1,7 @@
 #include "platform/offline/OfflineShell.h"
 
-#include "platform/TextCodec.h"
+#include "platform/common/KnownFolders.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -89,6 +90,12 @@ String OfflineShell::ProgramFiles() {
   return dir.empty() ? String(u"C:\\Program Files") : WithoutTrailingDelimiter(dir);
 }
 
+String OfflineShell::ProgramFilesX86() {
+  String dir = RegString(*registry_, kHKEY_LOCAL_MACHINE,
+                         u"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", u"ProgramFilesDir (x86)");
+  return dir.empty() ? String(u"C:\\Program Files (x86)") : WithoutTrailingDelimiter(dir);
+}
+
 String OfflineShell::Variable(const String& name) {
   String n = UpperCase(name);
   const String& profile = profile_.ProfilePath;
@@ -165,9 +172,21 @@ uint32_t OfflineShell::GetSpecialFolder(int csidl, String& path) {
     case kCSIDL_SYSTEM: path = profile_.WindowsDir + u"\\System32"; break;
     case kCSIDL_PROGRAM_FILES: path = ProgramFiles(); break;
     case kCSIDL_PROFILE: path = profile_.ProfilePath; break;
+    case kCSIDL_SYSTEMX86: path = profile_.WindowsDir + u"\\SysWOW64"; break;
+    case kCSIDL_PROGRAM_FILESX86: path = ProgramFilesX86(); break;
     default: path = EntryFolder(csidl);
   }
   return path.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+}
+
+uint32_t OfflineShell::GetKnownFolder(const String& folderId, String& path) {
+  path = RegString(*registry_, kHKEY_CURRENT_USER, kUserFolders, folderId);
+  if (path.empty()) path = RegString(*registry_, kHKEY_CURRENT_USER, kFolders, folderId);
+  if (!path.empty()) {
+    path = WithoutTrailingDelimiter(Expand(path));
+    return ERROR_SUCCESS;
+  }
+  return KnownFolderFromSpecialFolders(*this, folderId, path);
 }
 
 }  // namespace tc

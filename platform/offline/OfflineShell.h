@@ -22,6 +22,8 @@ class OfflineShell : public IShell {
   OfflineShell(std::shared_ptr<IRegistry> registry, ProfileInfo profile)
       : registry_(std::move(registry)), profile_(std::move(profile)) {}
   uint32_t GetSpecialFolder(int csidl, String& path) override;
+  // A known folder the user's shell folders name by its id (Downloads), else the table's.
+  uint32_t GetKnownFolder(const String& folderId, String& path) override;
   void ChangeNotify(int32_t, uint32_t, const String&) override {}
 
   // Replaces %NAME% variables the profile defines; unknown ones stay as they are.
@@ -33,6 +35,7 @@ class OfflineShell : public IShell {
   String EntryFolder(int csidl);
   String Variable(const String& name);
   String ProgramFiles();
+  String ProgramFilesX86();
 
   std::shared_ptr<IRegistry> registry_;
   ProfileInfo profile_;

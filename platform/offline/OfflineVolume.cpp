@@ -11,7 +11,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/Orviregistry.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/offline/OsError.h"
 
 namespace tc {
@@ -25,18 +26,15 @@ constexpr char kNtfsAttributes[] = "system.ntfs_attrib";
 constexpr char kOwnAttributes[] = "user.tc.attributes";
 constexpr uint32_t kExtraAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 
-bool ReadAttributeWord(const std::string& host, const char* name, uint32_t& value) {
+bool ReadAttributeWord(const std::string& host, const char* name, uint32_t& value,
+                       int* error = nullptr) {
   uint8_t b[4];
-  if (lgetxattr(host.c_str(), name, b, sizeof b) != sizeof b) return false;
+  if (lgetxattr(host.c_str(), name, b, sizeof b) != sizeof b) {
+    if (error) *error = errno;
+    return false;
+  }
   value = uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
   return true;
-}
-
-uint32_t ExtraAttributes(const std::string& host) {
-  uint32_t value = 0;
-  if (!ReadAttributeWord(host, kNtfsAttributes, value))
-    ReadAttributeWord(host, kOwnAttributes, value);
-  return value & kExtraAttributes;
 }
 
 void WriteExtraAttributes(const std::string& host, uint32_t attributes) {
@@ -52,9 +50,10 @@ void WriteExtraAttributes(const std::string& host, uint32_t attributes) {
   lsetxattr(host.c_str(), name, b, sizeof b, 0);  // a file system without them keeps none
 }
 
+// Kind, size, links, read-only bit and time; hidden and system come apart (ExtraAttributes).
 FileInfo InfoFromStat(const std::string& name, const struct stat& st, const std::string& host) {
   FileInfo info;
-  info.Name = FromUtf8(name);
+  info.Name = FromUtf8Lossless(name);
   if (S_ISLNK(st.st_mode)) {
     info.Attributes = FILE_ATTRIBUTE_REPARSE_POINT;
     struct stat target {};
@@ -62,12 +61,15 @@ FileInfo InfoFromStat(const std::string& name, const struct stat& st, const std:
       info.Attributes |= FILE_ATTRIBUTE_DIRECTORY;
   } else if (S_ISDIR(st.st_mode)) {
     info.Attributes = FILE_ATTRIBUTE_DIRECTORY;
-  } else {
+  } else if (S_ISREG(st.st_mode)) {
     info.Attributes = FILE_ATTRIBUTE_ARCHIVE;
     info.Size = uint64_t(st.st_size);
+    info.Links = uint32_t(st.st_nlink);
+  } else {
+    info.Attributes = FILE_ATTRIBUTE_DEVICE;
+    return info;
   }
   if ((st.st_mode & S_IWUSR) == 0) info.Attributes |= FILE_ATTRIBUTE_READONLY;
-  if (!S_ISLNK(st.st_mode)) info.Attributes |= ExtraAttributes(host);
   info.LastWriteTime =
       kUnixEpochAsFileTime + int64_t(st.st_mtim.tv_sec) * 10000000 + st.st_mtim.tv_nsec / 100;
   return info;
@@ -131,6 +133,35 @@ class FileHandle : public IFileHandle {
 
 }  // namespace
 
+uint32_t OfflineVolume::ExtraAttributes(const std::string& host, const struct stat& st) {
+  if (!S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) return 0;  // links carry none of their own
+  auto known = std::find_if(noAttributes_.begin(), noAttributes_.end(),
+                            [&](const auto& d) { return d.first == st.st_dev; });
+  uint8_t lacking = known == noAttributes_.end() ? 0 : known->second;
+  uint8_t found = 0;
+  uint32_t value = 0;
+  bool read = false;
+  // A file system that cannot hold an attribute says so for every file: asked once.
+  for (auto [bit, name] : {std::pair<uint8_t, const char*>{1, kNtfsAttributes}, {2, kOwnAttributes}}) {
+    if (read || (lacking & bit)) continue;
+    int error = 0;
+    read = ReadAttributeWord(host, name, value, &error);
+    if (!read && (error == ENOTSUP || error == EOPNOTSUPP)) found |= bit;
+  }
+  if (found) {
+    if (known == noAttributes_.end()) noAttributes_.emplace_back(st.st_dev, found);
+    else known->second |= found;
+  }
+  return read ? value & kExtraAttributes : 0;
+}
+
+FileInfo OfflineVolume::FullInfo(const std::string& name, const struct stat& st,
+                                 const std::string& host) {
+  FileInfo info = InfoFromStat(name, st, host);
+  info.Attributes |= ExtraAttributes(host, st);
+  return info;
+}
+
 uint32_t OfflineVolume::ListFolder(const String& folder, std::vector<FileInfo>& entries) {
   entries.clear();
   std::string host;
@@ -143,42 +174,45 @@ uint32_t OfflineVolume::ListFolder(const String& folder, std::vector<FileInfo>& 
     if (name == "." || name == "..") continue;
     struct stat st {};
     std::string child = host + "/" + name;
-    if (lstat(child.c_str(), &st) == 0) entries.push_back(InfoFromStat(name, st, child));
+    if (lstat(child.c_str(), &st) == 0) entries.push_back(FullInfo(name, st, child));
   }
   closedir(dir);
-  std::vector<std::pair<String, size_t>> keys;
-  for (size_t i = 0; i < entries.size(); ++i) keys.emplace_back(UpperCase(entries[i].Name), i);
-  std::sort(keys.begin(), keys.end());
-  std::vector<FileInfo> sorted;
-  sorted.reserve(entries.size());
-  for (auto& k : keys) sorted.push_back(std::move(entries[k.second]));
-  entries = std::move(sorted);
+  SortByUpperCasedName(entries);
   return ERROR_SUCCESS;
 }
 
-uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileInfo>& entries) {
+uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileInfo>& entries,
+                                       ListDetail detail) {
   entries.clear();
   std::string host;
   uint32_t rc = drives_.Resolve(folder, LastLink::Refuse, false, host);
   if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
   DIR* dir = opendir(host.c_str());
   if (!dir) return errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND;
+  const bool sizes = detail == ListDetail::Sizes;
   while (dirent* e = readdir(dir)) {
     if (std::strcmp(e->d_name, ".") == 0 || std::strcmp(e->d_name, "..") == 0) continue;
     unsigned char type = e->d_type;
     struct stat st {};
-    if (type == DT_UNKNOWN) {  // file systems that keep no type in the directory
+    // File systems that keep no type in the directory, and files whose size is asked.
+    if (type == DT_UNKNOWN || (sizes && type == DT_REG)) {
       if (fstatat(dirfd(dir), e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
       type = IFTODT(st.st_mode);
+      if (sizes && type == DT_REG) {
+        entries.push_back(InfoFromStat(e->d_name, st, host));
+        continue;
+      }
     }
     FileInfo info;
-    info.Name = FromUtf8(e->d_name);
+    info.Name = FromUtf8Lossless(e->d_name);
     if (type == DT_LNK) {
       info.Attributes = FILE_ATTRIBUTE_REPARSE_POINT;
       if (fstatat(dirfd(dir), e->d_name, &st, 0) == 0 && S_ISDIR(st.st_mode))
         info.Attributes |= FILE_ATTRIBUTE_DIRECTORY;
     } else if (type == DT_DIR) {
       info.Attributes = FILE_ATTRIBUTE_DIRECTORY;
+    } else if (type != DT_REG) {
+      info.Attributes = FILE_ATTRIBUTE_DEVICE;
     }
     entries.push_back(std::move(info));
   }
@@ -187,6 +221,16 @@ uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileIn
 }
 
 uint32_t OfflineVolume::GetInfo(const String& path, FileInfo& info) {
+  std::string host;
+  uint32_t rc = drives_.Resolve(path, LastLink::NoFollow, false, host);
+  if (rc != ERROR_SUCCESS) return rc;
+  struct stat st {};
+  if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
+  info = FullInfo(BaseName(host), st, host);
+  return ERROR_SUCCESS;
+}
+
+uint32_t OfflineVolume::GetBasicInfo(const String& path, FileInfo& info) {
   std::string host;
   uint32_t rc = drives_.Resolve(path, LastLink::NoFollow, false, host);
   if (rc != ERROR_SUCCESS) return rc;
@@ -205,10 +249,11 @@ uint32_t OfflineVolume::Open(const String& path, OpenMode mode,
   if (rc != ERROR_SUCCESS) return rc;
   struct stat st {};
   bool exists = lstat(host.c_str(), &st) == 0;
-  if (exists && S_ISDIR(st.st_mode)) return ERROR_ACCESS_DENIED;
+  if (exists && !S_ISREG(st.st_mode)) return ERROR_ACCESS_DENIED;
   if (mode == OpenMode::CreateNew && exists) return ERROR_FILE_EXISTS;
   if (mode != OpenMode::Read && exists && (st.st_mode & S_IWUSR) == 0) return ERROR_ACCESS_DENIED;
-  int flags = O_NOFOLLOW | O_CLOEXEC;
+  // Never waits on a pipe put there after the look-up; checked to be a file below.
+  int flags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
   switch (mode) {
     case OpenMode::Read: flags |= O_RDONLY; break;
     case OpenMode::ReadWrite: flags |= O_RDWR; break;
@@ -217,6 +262,10 @@ uint32_t OfflineVolume::Open(const String& path, OpenMode mode,
   }
   int fd = open(host.c_str(), flags, 0666);
   if (fd < 0) return WinErrorFromErrno(errno);
+  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    close(fd);
+    return ERROR_ACCESS_DENIED;
+  }
   // Readers share with readers; a writer shares with nobody.
   if (flock(fd, (mode == OpenMode::Read ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0) {
     int err = errno;
@@ -239,7 +288,7 @@ uint32_t OfflineVolume::RemoveFile(const String& path) {
   if (rc != ERROR_SUCCESS) return rc;
   struct stat st {};
   if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
-  if (S_ISDIR(st.st_mode)) return ERROR_ACCESS_DENIED;
+  if (!S_ISREG(st.st_mode) && !S_ISLNK(st.st_mode)) return ERROR_ACCESS_DENIED;
   if (!S_ISLNK(st.st_mode)) {
     if ((st.st_mode & S_IWUSR) == 0) return ERROR_ACCESS_DENIED;
     if (InUse(host, true)) return ERROR_SHARING_VIOLATION;
@@ -292,11 +341,14 @@ uint32_t OfflineVolume::Rename(const String& from, const String& to) {
   if (hostTo == hostFrom) {
     // Only the case changes: the new name is the one given, not the entry it matched.
     size_t cut = to.find_last_of(u"\\/");
-    hostTo = hostTo.substr(0, hostTo.rfind('/') + 1) + ToUtf8(to.substr(cut + 1));
+    hostTo = hostTo.substr(0, hostTo.rfind('/') + 1) + ToUtf8Lossless(to.substr(cut + 1));
   }
   struct stat st {};
-  if (lstat(hostFrom.c_str(), &st) == 0 && S_ISREG(st.st_mode) && InUse(hostFrom, true))
-    return ERROR_SHARING_VIOLATION;
+  if (lstat(hostFrom.c_str(), &st) == 0) {
+    if (!S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode) && !S_ISLNK(st.st_mode))
+      return ERROR_ACCESS_DENIED;
+    if (S_ISREG(st.st_mode) && InUse(hostFrom, true)) return ERROR_SHARING_VIOLATION;
+  }
   struct stat target {};
   if (lstat(hostTo.c_str(), &target) == 0 && hostTo != hostFrom) {
     if (S_ISDIR(target.st_mode)) return ERROR_ACCESS_DENIED;
@@ -312,6 +364,7 @@ uint32_t OfflineVolume::SetAttributes(const String& path, uint32_t attributes) {
   struct stat st {};
   if (lstat(host.c_str(), &st) != 0) return WinErrorFromErrno(errno);
   if (S_ISLNK(st.st_mode)) return ERROR_SUCCESS;  // links carry no attributes of their own
+  if (!S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) return ERROR_ACCESS_DENIED;
   mode_t mode = st.st_mode & 07777;
   mode = (attributes & FILE_ATTRIBUTE_READONLY) ? (mode & ~mode_t(0222)) : (mode | S_IWUSR);
   if (chmod(host.c_str(), mode) != 0) return WinErrorFromErrno(errno);

@@ -12,9 +12,9 @@ uint32_t WinErrorFromErrno(int err) {
     case ENOENT: return ERROR_FILE_NOT_FOUND;
     case ENOTDIR: return ERROR_PATH_NOT_FOUND;
     case EACCES:
-    case EPERM:
-    case EROFS:
     case EISDIR: return ERROR_ACCESS_DENIED;
+    case EROFS: return ERROR_WRITE_PROTECT;
+    case EPERM: return ERROR_FILE_READ_ONLY;  // immutable or append-only, whoever asks
     case EEXIST: return ERROR_FILE_EXISTS;
     case ENOTEMPTY: return ERROR_DIR_NOT_EMPTY;
     case ENOSPC:

@@ -12,7 +12,7 @@
 #include <deque>
 #include <vector>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 
@@ -41,12 +41,12 @@ bool FindEntry(const std::string& folder, const std::string& name, std::string& 
   if (!HasOtherSpellings(name)) return false;  // the shredder's random names, for one
   DIR* dir = opendir(folder.c_str());
   if (!dir) return false;
-  String wanted = FromUtf8(name);
+  String wanted = FromUtf8Lossless(name);
   std::string best;
   while (dirent* e = readdir(dir)) {
     std::string candidate = e->d_name;
     if (candidate == "." || candidate == "..") continue;
-    if (SameText(FromUtf8(candidate), wanted) && (best.empty() || candidate < best))
+    if (SameText(FromUtf8Lossless(candidate), wanted) && (best.empty() || candidate < best))
       best = candidate;
   }
   closedir(dir);
@@ -121,7 +121,7 @@ uint32_t DriveMap::Resolve(const String& path, LastLink last, bool allowMissingL
   if (path.size() < 2 || path[1] != u':') return ERROR_PATH_NOT_FOUND;
   std::string root = Root(path[0]);
   if (root.empty()) return ERROR_PATH_NOT_FOUND;
-  std::string rest = ToUtf8(path.substr(2));
+  std::string rest = ToUtf8Lossless(path.substr(2));
   for (char& c : rest)
     if (c == '\\') c = '/';
   std::deque<std::string> pending;
@@ -175,7 +175,7 @@ String DriveMap::ToWindows(const std::string& host) const {
       std::string rest = host.substr(root.size() + 1);
       for (char& c : rest)
         if (c == '/') c = '\\';
-      return String(1, letter) + u":\\" + FromUtf8(rest);
+      return String(1, letter) + u":\\" + FromUtf8Lossless(rest);
     }
   }
   return String();

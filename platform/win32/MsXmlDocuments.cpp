@@ -4,7 +4,8 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/FileContents.h"
+#include "platform/common/XmlTagForms.h"
+#include "platform/helpers/FileContents.h"
 #include "platform/win32/ComApartment.h"
 #include "platform/win32/Win32Text.h"
 
@@ -142,6 +143,18 @@ Bytes LikeTheOriginal(Bytes out, bool crlf, bool bom) {
   return out;
 }
 
+// The element and its descendant elements in document order, each holding a reference.
+void CollectElements(IXMLDOMNode* node, std::vector<IXMLDOMNode*>& out) {
+  for (IXMLDOMNode* c : AllChildren(node)) {
+    if (TypeOf(c) == NODE_ELEMENT) {
+      out.push_back(c);
+      CollectElements(c, out);
+    } else {
+      c->Release();
+    }
+  }
+}
+
 class MsXmlDocument : public IXmlDocument {
  public:
   explicit MsXmlDocument(std::shared_ptr<IFileSystem> files)
@@ -177,7 +190,9 @@ class MsXmlDocument : public IXmlDocument {
     VARIANT_BOOL ok = VARIANT_FALSE;
     const HRESULT hr = doc_->load(source, &ok);
     VariantClear(&source);
-    return SUCCEEDED(hr) && ok == VARIANT_TRUE;
+    if (FAILED(hr) || ok != VARIANT_TRUE) return false;
+    KeepEmptyPairs(SelfClosingTags(MarkupText(raw)));
+    return true;
   }
 
   bool Save(const String& path) override {
@@ -277,6 +292,24 @@ class MsXmlDocument : public IXmlDocument {
     ReleaseAll(all);
   }
 
+  std::vector<XmlNode> Children(XmlNode node) override {
+    std::vector<XmlNode> out;
+    if (!node) return out;
+    for (IXMLDOMNode* c : Visible(node)) out.push_back(Keep(c));
+    return out;
+  }
+
+  void Remove(XmlNode node) override {
+    if (!node) return;
+    IXMLDOMNode* child = AsNode(node);
+    Ref<IXMLDOMNode> parent;
+    if (child->get_parentNode(parent.Out()) != S_OK || !parent) return;
+    Ref<IXMLDOMNode> before;
+    if (child->get_previousSibling(before.Out()) == S_OK && before && IsBlankText(before.Get()))
+      Remove(parent.Get(), before.Get());
+    Remove(parent.Get(), child);
+  }
+
  private:
   static IXMLDOMNode* AsNode(XmlNode node) { return reinterpret_cast<IXMLDOMNode*>(node); }
 
@@ -301,6 +334,26 @@ class MsXmlDocument : public IXmlDocument {
         out.push_back(c);
     }
     return out;
+  }
+
+  // MSXML writes every element without children as "<x/>"; an empty text child makes it
+  // write "<x></x>" again where the file had the pair.
+  void KeepEmptyPairs(const std::vector<bool>& selfClosing) {
+    std::vector<IXMLDOMNode*> elements;
+    CollectElements(doc_, elements);
+    if (elements.size() == selfClosing.size()) {  // else markup the scan cannot follow
+      Bstr empty(String{});
+      for (size_t i = 0; i < elements.size(); ++i) {
+        VARIANT_BOOL has = VARIANT_FALSE;
+        // S_FALSE says "no children".
+        if (selfClosing[i] || FAILED(elements[i]->hasChildNodes(&has)) || has) continue;
+        Ref<IXMLDOMText> text;
+        if (FAILED(doc_->createTextNode(empty.Get(), text.Out())) || !text) continue;
+        IXMLDOMNode* added = nullptr;
+        if (SUCCEEDED(elements[i]->appendChild(text.Get(), &added)) && added) added->Release();
+      }
+    }
+    ReleaseAll(elements);
   }
 
   static constexpr uint8_t kCrLf[] = {'\r', '\n'};

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/win32/Win32Error.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32Text.h"
@@ -16,7 +16,7 @@ namespace {
 // Closes the log on scope exit.
 class OpenLog {
  public:
-  explicit OpenLog(const String& name) : h_(OpenEventLogW(nullptr, Wide(name))) {}
+  OpenLog(Win32EventLogs::Opener open, const String& name) : h_(open(nullptr, Wide(name))) {}
   ~OpenLog() {
     if (h_) CloseEventLog(h_);
   }
@@ -30,12 +30,11 @@ class OpenLog {
 
 }  // namespace
 
+Win32EventLogs::Win32EventLogs(Opener open) : open_(open ? open : &OpenEventLogW) {}
+
 uint32_t Win32EventLogs::ListLogs(StringList& names) {
-  names.clear();
-  for (const char16_t* standard : {u"Application", u"Security", u"System"}) {
-    OpenLog log(standard);
-    if (log.Get()) names.push_back(standard);
-  }
+  // The classic three lead, in their fixed places, whether or not this user may open them.
+  names = {u"Application", u"Security", u"System"};
   StringList registered;
   Win32Registry registry;
   registry.EnumKeys(kHKEY_LOCAL_MACHINE, u"SYSTEM\\CurrentControlSet\\Services\\EventLog",
@@ -57,7 +56,7 @@ bool Win32EventLogs::Known(const String& log) {
 uint32_t Win32EventLogs::CountRecords(const String& log, uint32_t& count) {
   count = 0;
   if (!Known(log)) return ERROR_FILE_NOT_FOUND;
-  OpenLog h(log);
+  OpenLog h(open_, log);
   if (!h.Get()) return LastNativeError();
   DWORD n = 0;
   if (!GetNumberOfEventLogRecords(h.Get(), &n)) return LastNativeError();
@@ -67,7 +66,7 @@ uint32_t Win32EventLogs::CountRecords(const String& log, uint32_t& count) {
 
 uint32_t Win32EventLogs::ClearLog(const String& log) {
   if (!Known(log)) return ERROR_FILE_NOT_FOUND;
-  OpenLog h(log);
+  OpenLog h(open_, log);
   if (!h.Get()) return LastNativeError();
   return ClearEventLogW(h.Get(), nullptr) ? ERROR_SUCCESS : LastNativeError();
 }

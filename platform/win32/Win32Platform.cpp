@@ -1,20 +1,24 @@
 #include "platform/win32/Win32Platform.h"
 
-#include "platform/DefaultIconCatalogue.h"
-#include "platform/RegistryProductSettings.h"
-#include "platform/SystemClock.h"
-#include "platform/TextIniFiles.h"
+#include "platform/common/DefaultIconCatalogue.h"
+#include "platform/common/RegistryProductSettings.h"
+#include "platform/common/SqliteFiles.h"
+#include "platform/common/SystemClock.h"
+#include "platform/common/TextIniFiles.h"
 #include "platform/win32/MsXmlDocuments.h"
 #include "platform/win32/Win32EventLogs.h"
 #include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32JumpListFiles.h"
 #include "platform/win32/Win32ProtectedStorage.h"
 #include "platform/win32/Win32RebootDeleter.h"
 #include "platform/win32/Win32RecycleBin.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32Shell.h"
+#include "platform/win32/Win32ShellItems.h"
 #include "platform/win32/Win32UrlCache.h"
 #include "platform/win32/Win32UrlHistory.h"
 #include "platform/win32/Win32UserInterface.h"
+#include "platform/win32/WinSqlite.h"
 
 namespace tc {
 
@@ -37,6 +41,11 @@ std::shared_ptr<Platform> MakeWin32Platform() {
   p->UI = std::make_shared<Win32UserInterface>();
   p->Clock = std::make_shared<SystemClock>();
   p->Icons = std::make_shared<DefaultIconCatalogue>();
+  String noSqlite;
+  const SqliteApi* sqlite = WinSqlite(noSqlite);
+  p->Sqlite = std::make_shared<SqliteFiles>(files, sqlite, noSqlite);
+  p->ShellItems = std::make_shared<Win32ShellItems>();
+  p->JumpLists = std::make_shared<Win32JumpListFiles>(p->ShellItems);
   return p;
 }
 

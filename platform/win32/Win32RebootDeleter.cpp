@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/PendingRenameRebootDeleter.h"
+#include "platform/common/PendingRenameRebootDeleter.h"
 #include "platform/win32/Win32Error.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32Text.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/win32/Win32Error.h"
 #include "platform/win32/Win32Text.h"
 

@@ -7,6 +7,7 @@ namespace tc {
 class Win32Shell : public IShell {
  public:
   uint32_t GetSpecialFolder(int csidl, String& path) override;
+  uint32_t GetKnownFolder(const String& folderId, String& path) override;
   void ChangeNotify(int32_t eventId, uint32_t flags, const String& path) override;
 };
 

@@ -10,22 +10,15 @@ namespace tc {
 
 namespace {
 
-// The record buffer; WinINet says how large it must be when it is too small.
+// A record buffer of the caller's size; WinINet writes the size it needs back into it.
 class EntryBuffer {
  public:
-  EntryBuffer() : bytes_(4096) {}
+  explicit EntryBuffer(uint32_t& size) : size_(size), bytes_(size, 0) {}
   INTERNET_CACHE_ENTRY_INFOW* Info() {
-    return reinterpret_cast<INTERNET_CACHE_ENTRY_INFOW*>(bytes_.data());
+    // WinINet fails a buffer smaller than its record head cleanly with the size it needs.
+    return bytes_.empty() ? nullptr : reinterpret_cast<INTERNET_CACHE_ENTRY_INFOW*>(bytes_.data());
   }
-  DWORD* Size() { return &size_; }
-  // Called before each WinINet call: the size argument is in/out.
-  void Prepare() { size_ = static_cast<DWORD>(bytes_.size()); }
-  // After ERROR_INSUFFICIENT_BUFFER: a zeroed block of the reported size.
-  bool Grow() {
-    if (size_ <= bytes_.size()) return false;  // no progress would be made
-    bytes_.assign(size_, 0);
-    return true;
-  }
+  DWORD* Size() { return reinterpret_cast<DWORD*>(&size_); }
   UrlCacheEntry Entry() {
     const auto* info = Info();
     UrlCacheEntry e;
@@ -37,46 +30,39 @@ class EntryBuffer {
   }
 
  private:
+  uint32_t& size_;
   std::vector<uint8_t> bytes_;
-  DWORD size_ = 0;
 };
+
+static_assert(sizeof(DWORD) == sizeof(uint32_t));
 
 class Win32UrlCacheFind : public IUrlCacheFind {
  public:
-  Win32UrlCacheFind(HANDLE h, EntryBuffer buffer) : h_(h), buffer_(std::move(buffer)) {}
+  explicit Win32UrlCacheFind(HANDLE h) : h_(h) {}
   ~Win32UrlCacheFind() override { FindCloseUrlCache(h_); }
 
-  uint32_t Next(UrlCacheEntry& entry) override {
-    for (;;) {
-      buffer_.Prepare();
-      if (FindNextUrlCacheEntryW(h_, buffer_.Info(), buffer_.Size())) {
-        entry = buffer_.Entry();
-        return ERROR_SUCCESS;
-      }
-      // Too small: the walk has not moved, so the same entry comes back with room for it.
-      if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || !buffer_.Grow()) return LastNativeError();
-    }
+  uint32_t Next(UrlCacheEntry& entry, uint32_t& size) override {
+    EntryBuffer buffer(size);
+    if (!FindNextUrlCacheEntryW(h_, buffer.Info(), buffer.Size())) return LastNativeError();
+    entry = buffer.Entry();
+    return ERROR_SUCCESS;
   }
 
  private:
   HANDLE h_;
-  EntryBuffer buffer_;
 };
 
 }  // namespace
 
-uint32_t Win32UrlCache::FindFirst(std::unique_ptr<IUrlCacheFind>& find, UrlCacheEntry& entry) {
-  EntryBuffer buffer;
-  for (;;) {
-    buffer.Prepare();
-    HANDLE h = FindFirstUrlCacheEntryW(nullptr, buffer.Info(), buffer.Size());
-    if (h) {
-      entry = buffer.Entry();
-      find = std::make_unique<Win32UrlCacheFind>(h, std::move(buffer));
-      return ERROR_SUCCESS;
-    }
-    if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || !buffer.Grow()) return LastNativeError();
-  }
+uint32_t Win32UrlCache::FindFirst(std::unique_ptr<IUrlCacheFind>& find, UrlCacheEntry& entry,
+                                  uint32_t& size) {
+  find.reset();
+  EntryBuffer buffer(size);
+  HANDLE h = FindFirstUrlCacheEntryW(nullptr, buffer.Info(), buffer.Size());
+  if (!h) return LastNativeError();
+  entry = buffer.Entry();
+  find = std::make_unique<Win32UrlCacheFind>(h);
+  return ERROR_SUCCESS;
 }
 
 uint32_t Win32UrlCache::DeleteEntry(const String& sourceUrlName) {

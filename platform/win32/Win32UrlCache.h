@@ -6,7 +6,8 @@ namespace tc {
 
 class Win32UrlCache : public IUrlCache {
  public:
-  uint32_t FindFirst(std::unique_ptr<IUrlCacheFind>& find, UrlCacheEntry& entry) override;
+  uint32_t FindFirst(std::unique_ptr<IUrlCacheFind>& find, UrlCacheEntry& entry,
+                     uint32_t& size) override;
   uint32_t DeleteEntry(const String& sourceUrlName) override;
 };
 

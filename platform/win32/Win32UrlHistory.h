@@ -10,6 +10,7 @@ class Win32UrlHistory : public IUrlHistory {
  public:
   uint32_t Enumerate(std::vector<UrlHistoryEntry>& entries) override;
   uint32_t DeleteUrl(const String& url) override;
+  uint32_t Commit() override { return ERROR_SUCCESS; }  // each deletion is written at once
 };
 
 }  // namespace tc

@@ -1,10 +1,6 @@
-#include <gtest/gtest.h>
+#include <algorithm>
 
-#include <nlohmann/json.hpp>
-#include <set>
-#include <sstream>
-
-#include "OfflineTestSupport.h"
+#include "CommandSupport.h"
 
 namespace fs = std::filesystem;
 using nlohmann::json;
@@ -12,7 +8,7 @@ using nlohmann::json;
 namespace tc {
 namespace {
 
-using test::TempDir;
+using namespace test;
 
 constexpr char kUserReg[] = R"(Windows Registry Editor Version 5.00
 
@@ -37,52 +33,6 @@ constexpr char kUserReg[] = R"(Windows Registry Editor Version 5.00
 "MRUList"="ba"
 )";
 
-std::string Quote(const std::string& s) { return "'" + s + "'"; }
-
-// Runs tracecleaner with the given arguments; stdin is never a terminal here.
-int Tracecleaner(const std::string& args, std::string& out) {
-  return test::Run(std::string(TC_TRACECLEANER) + " " + args + " </dev/null", &out);
-}
-
-json RunJson(const std::string& args, int expectedCode = 0) {
-  std::string out;
-  int code = test::Run(std::string(TC_TRACECLEANER) + " --json " + args + " </dev/null 2>/dev/null",
-                       &out);
-  EXPECT_EQ(expectedCode, code) << args << "\n" << out;
-  json doc = json::parse(out, nullptr, false);
-  EXPECT_FALSE(doc.is_discarded()) << out;
-  return doc;
-}
-
-const json& PluginOf(const json& doc, const std::string& id) {
-  static const json none;
-  for (const auto& p : doc["plugins"])
-    if (p["id"] == id) return p;
-  ADD_FAILURE() << "no plug-in " << id;
-  return none;
-}
-
-// An image made by tc_mkimage from the .reg text and a small profile tree.
-void MakeImage(const fs::path& image, const std::string& reg) {
-  TempDir source;
-  fs::create_directories(source.Path() / "tree" / "Users" / "Anna" / "Documents");
-  test::WriteBytes(source.Path() / "tree" / "Users" / "Anna" / "Documents" / "Brief.rtf", "x");
-  test::WriteBytes(source.Path() / "registry" / "user.reg", reg);
-  std::string out;
-  ASSERT_EQ(0, test::Run(std::string(TC_MKIMAGE) + " " + Quote(source.Str()) + " " +
-                             Quote(image.string()), &out)) << out;
-}
-
-// Every line of reglookup's listing (path, type, value), without the header.
-std::set<std::string> Listing(const fs::path& hive) {
-  std::string out;
-  EXPECT_EQ(0, test::Run("reglookup -H " + Quote(hive.string()), &out)) << out;
-  std::set<std::string> lines;
-  std::istringstream in(out);
-  for (std::string line; std::getline(in, line);) lines.insert(line);
-  return lines;
-}
-
 TEST(CommandTest, ScanAndCleanAGeneratedImage) {
   TempDir dir;
   fs::path image = dir.Path() / "image";
@@ -95,7 +45,7 @@ TEST(CommandTest, ScanAndCleanAGeneratedImage) {
   EXPECT_EQ(2, PluginOf(scan, "StartMenuRun")["traceCount"]);
   const json& runTraces = PluginOf(scan, "StartMenuRun")["traces"];
   ASSERT_EQ(2u, runTraces.size());
-  EXPECT_EQ("cmd\\1", runTraces[0]["data"]);
+  EXPECT_EQ("cmd", runTraces[0]["data"]) << "shown without the \\1 Windows appends";
   EXPECT_EQ("registry-value", runTraces[0]["source"]);
 
   // Only WordPad and RunMRU: Paint keeps its list, renumbered by nobody.
@@ -104,7 +54,7 @@ TEST(CommandTest, ScanAndCleanAGeneratedImage) {
   EXPECT_EQ(2, PluginOf(clean, "WordPad")["traceCount"]);
   EXPECT_EQ(0, PluginOf(clean, "WordPad")["remaining"]);
   EXPECT_EQ(0, PluginOf(clean, "StartMenuRun")["remaining"]);
-  EXPECT_FALSE(PluginOf(clean, "MSPaint")["active"]);
+  EXPECT_EQ(2u, clean["plugins"].size()) << "only the plug-ins that ran";
   EXPECT_EQ(false, clean["rebootRequired"]);
   EXPECT_TRUE(clean["notCleaned"].is_array());
 
@@ -133,7 +83,7 @@ TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
   test::CopyRealHive("NTUSER-win10.DAT", ntuser);
   const std::set<std::string> before = Listing(ntuser);
 
-  json scan = RunJson("scan --traces --image " + Quote(image.string()));
+  json scan = RunJson("scan --traces --all --image " + Quote(image.string()));
   EXPECT_EQ(6, PluginOf(scan, "RecentDocs")["traceCount"]);  // three items, and by extension
   EXPECT_EQ(0, PluginOf(scan, "StartMenuRun")["traceCount"]);  // present but empty
   EXPECT_TRUE(PluginOf(scan, "StartMenuRun")["active"]);
@@ -159,8 +109,11 @@ TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
   const std::string explorer = "/Software/Microsoft/Windows/CurrentVersion/Explorer/";
   auto isTrace = [&](const std::string& line) {
     for (const char* key : {"RecentDocs", "ComDlg32/OpenSavePidlMRU", "ComDlg32/LastVisitedPidlMRU",
-                            "UserAssist/", "RunMRU"})
+                            "ComDlg32/CIDSizeMRU", "ComDlg32/FirstFolder", "UserAssist/", "RunMRU"})
       if (line.rfind(explorer + key, 0) == 0) return true;
+    for (const char* key : {"/Software/Microsoft/Internet Explorer/TypedURLs",  // and ...Time
+                            "/Software/Microsoft/Windows NT/CurrentVersion/AppCompatFlags/Compatibility Assistant/Store/"})
+      if (line.rfind(key, 0) == 0 && line.find(",KEY,") == std::string::npos) return true;
     return false;
   };
   size_t kept = 0;
@@ -178,7 +131,7 @@ TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
                              Quote(ntuser.string()), &out));
   EXPECT_EQ("", out);
   EXPECT_EQ(0, Tracecleaner("scan --image " + Quote(image.string()), out));
-  EXPECT_NE(std::string::npos, out.find("Found 0 traces.")) << out;
+  EXPECT_NE(std::string::npos, out.find("Found 0 traces")) << out;
 }
 
 TEST(CommandTest, RefusedHivesExitWithCode2AndStayAsTheyWere) {
@@ -236,10 +189,11 @@ TEST(CommandTest, UsageErrorsExitWithCode1) {
     std::string out;
     EXPECT_EQ(1, Tracecleaner(c.args, out)) << c.args;
     EXPECT_NE(std::string::npos, out.find(c.message)) << c.args << ": " << out;
-    EXPECT_NE(std::string::npos, out.find("Usage:")) << c.args;
+    EXPECT_NE(std::string::npos, out.find("see tracecleaner --help")) << c.args;
+    EXPECT_EQ(1, std::count(out.begin(), out.end(), '\n')) << "one line: " << out;
   }
   // Options may come before the subcommand as well as after it.
-  json doc = RunJson("--plugins WordPad" + image + " scan");
+  json doc = RunJson("--plugins WordPad --all" + image + " scan");
   EXPECT_EQ(2, PluginOf(doc, "WordPad")["traceCount"]);
   EXPECT_FALSE(PluginOf(doc, "MSPaint")["active"]);
 }
@@ -250,12 +204,10 @@ TEST(CommandTest, WithoutImageItWorksOnAFreshCopyOfTheDemoImage) {
   std::string out;
   ASSERT_EQ(0, Tracecleaner("clean --yes", out)) << out;
   EXPECT_NE(std::string::npos, out.find("fresh copy of the demo image")) << out;
-  EXPECT_NE(std::string::npos, out.find("Traces before: ")) << out;
   EXPECT_EQ(before, test::ReadBytes(demo / "Users" / "Demo" / "NTUSER.DAT"));
   size_t at = out.find(" in ");
-  std::string copy = out.substr(at + 4, out.find(" (user") - at - 4);
-  std::error_code ec;
-  fs::remove_all(copy, ec);  // the copy the command made for this run
+  const std::string copy = out.substr(at + 4, out.find(" (user") - at - 4);
+  EXPECT_FALSE(fs::exists(copy)) << copy << " is left behind";
 }
 
 }  // namespace

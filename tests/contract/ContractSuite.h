@@ -11,20 +11,28 @@
 //     static void UnlockAll(Platform&);
 //     // Makes `link` a junction / directory link to `target`; false when it cannot.
 //     static bool MakeFolderLink(Platform&, const String& link, const String& target);
+//     // Makes `link` a second name (hard link) of the file `existing`; false when it cannot.
+//     static bool MakeHardLink(Platform&, const String& link, const String& existing);
+//     // Makes the event log `log` refuse this user, as the security log refuses most;
+//     // false when the backend cannot.
+//     static bool RefuseLog(Platform&, const String& log);
 //   };
 //   INSTANTIATE_TYPED_TEST_SUITE_P(My, ContractTest, MyTraits);
 #pragma once
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
 
 #include "platform/Platform.h"
-#include "platform/RegData.h"
-#include "platform/TextCodec.h"
-#include "platform/WinPath.h"
+#include "platform/helpers/Orvishredderclass.h"
+#include "platform/helpers/RegData.h"
+#include "platform/helpers/TextCodec.h"
+#include "platform/helpers/WinPath.h"
 
 namespace tc::contract {
 
@@ -35,6 +43,12 @@ inline bool InUse(uint32_t rc) {
 // Names whose upper-cased order differs from their lower-cased and from their raw order.
 inline const StringList kUnorderedNames = {u"b.txt", u"_x", u"Ärger", u"A_b", u"Z", u"ab", u"a1"};
 inline const StringList kUpperCasedOrder = {u"a1", u"ab", u"A_b", u"b.txt", u"Z", u"_x", u"Ärger"};
+
+// A file of ../shared/realworld as bytes; empty when it is not there.
+inline Bytes RealFile(const std::string& name) {
+  std::ifstream in(std::string(TC_CONTRACT_REALWORLD_DIR) + "/" + name, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
 
 // One row of a table of calls and the code each must answer.
 struct Call {
@@ -70,6 +84,13 @@ class ContractTest : public ::testing::Test {
 
   uint32_t Set(const String& key, const String& name, const RegValue& value) {
     return Reg().SetValue(kHKEY_CURRENT_USER, key, name, value, RegView::Default);
+  }
+  uint32_t MakeKey(const String& sub) { return Reg().CreateKey(kHKEY_CURRENT_USER, Key(sub), RegView::Default); }
+  uint32_t KeyExists(const String& sub) { return Reg().KeyExists(kHKEY_CURRENT_USER, Key(sub), RegView::Default); }
+  RegValue Get(const String& key, const String& name) {
+    RegValue v;
+    EXPECT_EQ(ERROR_SUCCESS, Reg().QueryValue(kHKEY_CURRENT_USER, key, name, v, RegView::Default)) << ToUtf8(name);
+    return v;
   }
   StringList KeyNames(const String& key) {
     StringList names;
@@ -142,58 +163,37 @@ TYPED_TEST_P(ContractTest, ValuesEnumerateInCreationOrder) {
     if (!TypeParam::KeepsValueOrder()) GTEST_SKIP() << "this system sorts values by name";
   }
   const String k = this->Key(u"");
-  for (const char16_t* name : {u"b", u"A", u"c", u"d"}) {
-    ASSERT_EQ(ERROR_SUCCESS, this->Set(k, name, RegData::Sz(name)));
-  }
+  for (const char16_t* name : {u"b", u"A", u"c", u"d"}) ASSERT_EQ(ERROR_SUCCESS, this->Set(k, name, RegData::Sz(name)));
   ASSERT_EQ(ERROR_SUCCESS, this->Set(k, u"a", RegData::Dword(7)));  // replaced in place
   ASSERT_EQ(ERROR_SUCCESS, this->Reg().DeleteValue(kHKEY_CURRENT_USER, k, u"b", RegView::Default));
   ASSERT_EQ(ERROR_SUCCESS, this->Set(k, u"b", RegData::Sz(u"again")));  // new, so last
   EXPECT_EQ((StringList{u"A", u"c", u"d", u"b"}), this->ValueNames(k));
-  RegValue v;
-  ASSERT_EQ(ERROR_SUCCESS, this->Reg().QueryValue(kHKEY_CURRENT_USER, k, u"A", v, RegView::Default));
-  EXPECT_EQ(REG_DWORD, v.Type);
+  EXPECT_EQ(REG_DWORD, this->Get(k, u"A").Type);
 }
 
 TYPED_TEST_P(ContractTest, KeysEnumerateAscendingByUpperCasedName) {
-  for (const String& name : kUnorderedNames) {
-    ASSERT_EQ(ERROR_SUCCESS,
-              this->Reg().CreateKey(kHKEY_CURRENT_USER, this->Key(name), RegView::Default));
-  }
+  for (const String& name : kUnorderedNames) ASSERT_EQ(ERROR_SUCCESS, this->MakeKey(name));
   EXPECT_EQ(kUpperCasedOrder, this->KeyNames(this->Key(u"")));
 }
 
 TYPED_TEST_P(ContractTest, RegistryNamesIgnoreCaseAndKeepIt) {
-  auto& reg = this->Reg();
-  ASSERT_EQ(ERROR_SUCCESS, reg.CreateKey(kHKEY_CURRENT_USER, this->Key(u"MixedCase\\Ärger"),
-                                         RegView::Default));
-  EXPECT_EQ(ERROR_SUCCESS, reg.KeyExists(kHKEY_CURRENT_USER, this->Key(u"MIXEDCASE\\ärger"),
-                                         RegView::Default));
+  ASSERT_EQ(ERROR_SUCCESS, this->MakeKey(u"MixedCase\\Ärger"));
+  EXPECT_EQ(ERROR_SUCCESS, this->KeyExists(u"MIXEDCASE\\ärger"));
   // Creating it again in other case neither duplicates nor renames it.
-  ASSERT_EQ(ERROR_SUCCESS,
-            reg.CreateKey(kHKEY_CURRENT_USER, this->Key(u"mixedcase"), RegView::Default));
+  ASSERT_EQ(ERROR_SUCCESS, this->MakeKey(u"mixedcase"));
   EXPECT_EQ((StringList{u"MixedCase"}), this->KeyNames(this->Key(u"")));
   EXPECT_EQ((StringList{u"Ärger"}), this->KeyNames(this->Key(u"mixedCASE")));
-
   ASSERT_EQ(ERROR_SUCCESS, this->Set(this->Key(u""), u"ValueName", RegData::Sz(u"x")));
   ASSERT_EQ(ERROR_SUCCESS, this->Set(this->Key(u""), u"VALUENAME", RegData::Sz(u"y")));
   EXPECT_EQ((StringList{u"ValueName"}), this->ValueNames(this->Key(u"")));
-  RegValue v;
-  ASSERT_EQ(ERROR_SUCCESS, reg.QueryValue(kHKEY_CURRENT_USER, this->Key(u""), u"valuename", v,
-                                          RegView::Default));
-  EXPECT_EQ(u"y", RegData::Text(v));
+  EXPECT_EQ(u"y", RegData::Text(this->Get(this->Key(u""), u"valuename")));
 }
 
 TYPED_TEST_P(ContractTest, ValueTypesRoundTripByteForByte) {
-  struct Case {
-    const char16_t* name;
-    RegValue value;
-  };
-  RegValue unterminated{REG_SZ, {'a', 0, 'b', 0}};
-  RegValue oddNone{REG_NONE, {1, 2, 3}};
-  const Case cases[] = {
+  const std::pair<const char16_t*, RegValue> cases[] = {
       {u"sz", RegData::Sz(u"Grüße")},
       {u"sz-empty", RegData::Sz(u"")},
-      {u"sz-unterminated", unterminated},
+      {u"sz-unterminated", RegValue{REG_SZ, {'a', 0, 'b', 0}}},
       {u"expand", RegData::ExpandSz(u"%SystemRoot%\\system32")},
       {u"multi", RegData::MultiSz({u"one", u"two"})},
       {u"multi-empty", RegData::MultiSz({})},
@@ -201,36 +201,24 @@ TYPED_TEST_P(ContractTest, ValueTypesRoundTripByteForByte) {
       {u"binary-empty", RegData::Binary({})},
       {u"dword", RegData::Dword(0xDEADBEEF)},
       {u"qword", RegData::Qword(0x0123456789ABCDEFull)},
-      {u"none", oddNone},
+      {u"none", RegValue{REG_NONE, {1, 2, 3}}},
+      {u"", RegData::Sz(u"default")},  // the key's default value
   };
-  for (const Case& c : cases) ASSERT_EQ(ERROR_SUCCESS, this->Set(this->Key(u""), c.name, c.value));
+  for (const auto& [name, value] : cases) ASSERT_EQ(ERROR_SUCCESS, this->Set(this->Key(u""), name, value));
   std::vector<RegNamedValue> listed;
-  ASSERT_EQ(ERROR_SUCCESS, this->Reg().EnumValues(kHKEY_CURRENT_USER, this->Key(u""), listed,
-                                                  RegView::Default));
+  ASSERT_EQ(ERROR_SUCCESS, this->Reg().EnumValues(kHKEY_CURRENT_USER, this->Key(u""), listed, RegView::Default));
   ASSERT_EQ(std::size(cases), listed.size());
-  for (size_t i = 0; i < listed.size(); ++i) {
-    SCOPED_TRACE(ToUtf8(cases[i].name));
-    RegValue read;
-    ASSERT_EQ(ERROR_SUCCESS, this->Reg().QueryValue(kHKEY_CURRENT_USER, this->Key(u""),
-                                                    cases[i].name, read, RegView::Default));
+  for (const auto& [name, value] : cases) {
+    SCOPED_TRACE(ToUtf8(name));
+    RegValue read = this->Get(this->Key(u""), name);
     // Found by name: the order of the listing is ValuesEnumerateInCreationOrder's business.
-    auto it = std::find_if(listed.begin(), listed.end(),
-                           [&](const RegNamedValue& v) { return v.Name == cases[i].name; });
+    auto it = std::find_if(listed.begin(), listed.end(), [&](const RegNamedValue& v) { return v.Name == name; });
     ASSERT_NE(listed.end(), it);
     for (const RegValue* got : {&read, &it->Value}) {
-      EXPECT_EQ(cases[i].value.Type, got->Type);
-      EXPECT_EQ(cases[i].value.Data, got->Data);
+      EXPECT_EQ(value.Type, got->Type);
+      EXPECT_EQ(value.Data, got->Data);
     }
   }
-}
-
-TYPED_TEST_P(ContractTest, DefaultValueHasTheEmptyName) {
-  ASSERT_EQ(ERROR_SUCCESS, this->Set(this->Key(u""), u"", RegData::Sz(u"default")));
-  EXPECT_EQ((StringList{u""}), this->ValueNames(this->Key(u"")));
-  RegValue v;
-  ASSERT_EQ(ERROR_SUCCESS, this->Reg().QueryValue(kHKEY_CURRENT_USER, this->Key(u""), u"", v,
-                                                  RegView::Default));
-  EXPECT_EQ(u"default", RegData::Text(v));
 }
 
 TYPED_TEST_P(ContractTest, MissingRegistryItemsAnswerTheirErrorCodes) {
@@ -271,14 +259,12 @@ TYPED_TEST_P(ContractTest, MissingRegistryItemsAnswerTheirErrorCodes) {
 }
 
 TYPED_TEST_P(ContractTest, DeleteKeyTreeRemovesTheKeyAndAllBelowIt) {
-  auto& reg = this->Reg();
   for (const char16_t* k : {u"Tree\\A\\Deep\\Deeper", u"Tree\\B", u"Tree2", u"TreeX\\Kept"}) {
-    ASSERT_EQ(ERROR_SUCCESS, reg.CreateKey(kHKEY_CURRENT_USER, this->Key(k), RegView::Default));
+    ASSERT_EQ(ERROR_SUCCESS, this->MakeKey(k));
     ASSERT_EQ(ERROR_SUCCESS, this->Set(this->Key(k), u"v", RegData::Sz(k)));
   }
-  ASSERT_EQ(ERROR_SUCCESS, reg.DeleteKeyTree(kHKEY_CURRENT_USER, this->Key(u"tree"), RegView::Default));
-  EXPECT_EQ(ERROR_FILE_NOT_FOUND,
-            reg.KeyExists(kHKEY_CURRENT_USER, this->Key(u"Tree\\A\\Deep"), RegView::Default));
+  ASSERT_EQ(ERROR_SUCCESS, this->Reg().DeleteKeyTree(kHKEY_CURRENT_USER, this->Key(u"tree"), RegView::Default));
+  EXPECT_EQ(ERROR_FILE_NOT_FOUND, this->KeyExists(u"Tree\\A\\Deep"));
   EXPECT_EQ((StringList{u"Tree2", u"TreeX"}), this->KeyNames(this->Key(u"")));
   EXPECT_EQ((StringList{u"v"}), this->ValueNames(this->Key(u"TreeX\\Kept")));
 }
@@ -286,23 +272,16 @@ TYPED_TEST_P(ContractTest, DeleteKeyTreeRemovesTheKeyAndAllBelowIt) {
 // --- File system ----------------------------------------------------------------------
 
 TYPED_TEST_P(ContractTest, ListFolderIsAscendingByUpperCasedName) {
-  for (size_t i = 0; i < kUnorderedNames.size(); ++i) {
-    const String path = this->Path(kUnorderedNames[i]);
-    if (i % 2) {
-      ASSERT_EQ(ERROR_SUCCESS, this->Files().MakeFolder(path));
-    } else {
-      ASSERT_EQ(ERROR_SUCCESS, this->Write(path, "x"));
-    }
-  }
+  for (size_t i = 0; i < kUnorderedNames.size(); ++i)
+    ASSERT_EQ(ERROR_SUCCESS, i % 2 ? this->Files().MakeFolder(this->Path(kUnorderedNames[i]))
+                                   : this->Write(this->Path(kUnorderedNames[i]), "x"));
   EXPECT_EQ(kUpperCasedOrder, this->Listing(this->folder_));
   std::vector<FileInfo> entries;
   ASSERT_EQ(ERROR_SUCCESS, this->Files().ListFolder(this->folder_, entries));
   for (const FileInfo& e : entries) {
-    bool folder = e.Name == u"_x" || e.Name == u"A_b" || e.Name == u"ab";
+    const bool folder = e.Name == u"_x" || e.Name == u"A_b" || e.Name == u"ab";
     EXPECT_EQ(folder, e.IsDirectory()) << ToUtf8(e.Name);
-    if (!folder) {
-      EXPECT_EQ(1u, e.Size) << ToUtf8(e.Name);
-    }
+    EXPECT_EQ(folder ? e.Size : 1u, e.Size) << ToUtf8(e.Name);
   }
 }
 
@@ -500,6 +479,27 @@ TYPED_TEST_P(ContractTest, ReparsePointsAreReportedButNeverFollowed) {
   EXPECT_EQ("precious", this->Read(this->Path(u"Target\\inside.txt")));
 }
 
+// What one name holds may be another's: shredding a shared file removes only its name.
+TYPED_TEST_P(ContractTest, HardLinkedFilesLoseOnlyTheShreddedName) {
+  const String first = this->Path(u"first.txt"), second = this->Path(u"second.txt");
+  ASSERT_EQ(ERROR_SUCCESS, this->Write(first, "shared content"));
+  if (!TypeParam::MakeHardLink(*this->platform_, second, first)) GTEST_SKIP() << "no hard links";
+  FileInfo info;
+  ASSERT_EQ(ERROR_SUCCESS, this->Files().GetInfo(second, info));
+  EXPECT_EQ(2u, info.Links);
+  SetServices(this->platform_);
+  TOrviShredderClass job;
+  job.Files = {second};
+  EXPECT_TRUE(job.ExecuteShredder());
+  SetServices(nullptr);
+  ASSERT_EQ(1u, job.Results.size());
+  EXPECT_TRUE(job.Results[0].Shared);
+  EXPECT_FALSE(this->Exists(second));
+  EXPECT_EQ("shared content", this->Read(first));
+  ASSERT_EQ(ERROR_SUCCESS, this->Files().GetInfo(first, info));
+  EXPECT_EQ(1u, info.Links);
+}
+
 TYPED_TEST_P(ContractTest, VolumeFactsOfAWrittenFile) {
   const String path = this->Path(u"dated.txt");
   ASSERT_EQ(ERROR_SUCCESS, this->Write(path, "x"));
@@ -514,6 +514,26 @@ TYPED_TEST_P(ContractTest, VolumeFactsOfAWrittenFile) {
   EXPECT_FALSE(info.IsReparsePoint());
 }
 
+// --- Event logs ---------------------------------------------------------------------------
+
+// The plug-ins take the logs by position: a log the user may not open keeps its place.
+TYPED_TEST_P(ContractTest, EventLogsKeepTheirPlacesWhenOneRefusesTheUser) {
+  IEventLogs& logs = *this->platform_->EventLogs;
+  StringList names;
+  if (logs.ListLogs(names) == ERROR_NOT_SUPPORTED) GTEST_SKIP() << "no event logs";
+  if (!TypeParam::RefuseLog(*this->platform_, u"Security")) GTEST_SKIP() << "cannot refuse";
+  IEventLogs& refusing = *this->platform_->EventLogs;
+  ASSERT_EQ(ERROR_SUCCESS, refusing.ListLogs(names));
+  ASSERT_GE(names.size(), 3u);
+  EXPECT_EQ((StringList{u"Application", u"Security", u"System"}),
+            StringList(names.begin(), names.begin() + 3));
+  uint32_t count = 0;
+  EXPECT_EQ(ERROR_ACCESS_DENIED, refusing.CountRecords(u"Security", count));
+  EXPECT_EQ(ERROR_ACCESS_DENIED, refusing.ClearLog(u"Security"));
+  EXPECT_EQ(ERROR_SUCCESS, refusing.CountRecords(u"Application", count));
+  EXPECT_EQ(ERROR_FILE_NOT_FOUND, refusing.CountRecords(u"NoSuchLog", count));
+}
+
 // --- Delete at next start ----------------------------------------------------------------
 
 TYPED_TEST_P(ContractTest, DeleteAtNextStartAppendsToPendingFileRenameOperations) {
@@ -523,23 +543,16 @@ TYPED_TEST_P(ContractTest, DeleteAtNextStartAppendsToPendingFileRenameOperations
   const String valueName = u"PendingFileRenameOperations";
   RegValue before;
   const bool had = reg.QueryValue(lm, sm, valueName, before, RegView::Native) == ERROR_SUCCESS;
-  StringList pendingBefore;
-  ASSERT_EQ(ERROR_SUCCESS, this->platform_->RebootDeleter->Pending(pendingBefore));
-
-  const String first = this->Path(u"first.tmp");
-  const String second = this->Path(u"second.tmp");
-  ASSERT_EQ(ERROR_SUCCESS, this->Write(first, "1"));
-  ASSERT_EQ(ERROR_SUCCESS, this->Write(second, "2"));
-  ASSERT_EQ(ERROR_SUCCESS, this->platform_->RebootDeleter->Schedule(first));
-  ASSERT_EQ(ERROR_SUCCESS, this->platform_->RebootDeleter->Schedule(second));
-
-  StringList pending;
+  StringList expected, pending;
+  ASSERT_EQ(ERROR_SUCCESS, this->platform_->RebootDeleter->Pending(expected));
+  const String first = this->Path(u"first.tmp"), second = this->Path(u"second.tmp");
+  for (const String& file : {first, second}) {
+    ASSERT_EQ(ERROR_SUCCESS, this->Write(file, "x"));
+    ASSERT_EQ(ERROR_SUCCESS, this->platform_->RebootDeleter->Schedule(file));
+    expected.push_back(file);
+  }
   ASSERT_EQ(ERROR_SUCCESS, this->platform_->RebootDeleter->Pending(pending));
-  StringList expected = pendingBefore;
-  expected.push_back(first);
-  expected.push_back(second);
   EXPECT_EQ(expected, pending);
-
   RegValue after;
   ASSERT_EQ(ERROR_SUCCESS, reg.QueryValue(lm, sm, valueName, after, RegView::Native));
   EXPECT_EQ(REG_MULTI_SZ, after.Type);
@@ -559,10 +572,90 @@ TYPED_TEST_P(ContractTest, DeleteAtNextStartAppendsToPendingFileRenameOperations
   }
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ContractTest, ValuesEnumerateInCreationOrder,
+// --- Shell folders, shell items and jump list files ---------------------------------------
+
+TYPED_TEST_P(ContractTest, KnownFoldersAreTheShellFoldersOfOldAndUnknownIdsAreMissing) {
+  IShell& shell = *this->platform_->Shell;
+  const std::pair<const char16_t*, int> cases[] = {
+      {u"{AE50C081-EBD2-438A-8655-8A092E34987A}", kCSIDL_RECENT},
+      {u"{f1b32785-6fba-4fcf-9d55-7b8e7f157091}", kCSIDL_LOCAL_APPDATA},
+      {u"{F38BF404-1D43-42F2-9305-67DE0B28FC23}", kCSIDL_WINDOWS},
+      {u"{3EB685DB-65F9-4CF6-A03A-E3EF65729F3D}", kCSIDL_APPDATA},
+  };
+  for (const auto& [id, csidl] : cases) {
+    String known, special;
+    ASSERT_EQ(ERROR_SUCCESS, shell.GetSpecialFolder(csidl, special)) << ToUtf8(id);
+    ASSERT_EQ(ERROR_SUCCESS, shell.GetKnownFolder(id, known)) << ToUtf8(id);
+    EXPECT_TRUE(SameText(special, known)) << ToUtf8(known) << " / " << ToUtf8(special);
+  }
+  String path = u"x";
+  EXPECT_EQ(ERROR_FILE_NOT_FOUND,
+            shell.GetKnownFolder(u"{00000000-0000-0000-0000-000000000001}", path));
+  EXPECT_EQ(ERROR_FILE_NOT_FOUND, shell.GetKnownFolder(u"Recent", path));
+}
+
+TYPED_TEST_P(ContractTest, ShellItemListsAreNamedItemByItem) {
+  // My Computer, drive C: and the file entry of "ash.png" from a real open/save list.
+  Bytes list = {0x14, 0x00, 0x1f, 0x50, 0xe0, 0x4f, 0xd0, 0x20, 0xea, 0x3a, 0x69, 0x10, 0xa2,
+                0xd8, 0x08, 0x00, 0x2b, 0x30, 0x30, 0x9d, 0x19, 0x00, 0x2f, 'C',  ':',  '\\'};
+  list.resize(list.size() + 19, 0);
+  const Bytes file = {
+      0x56, 0x00, 0x32, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x80, 0x00, 0x61,
+      0x73, 0x68, 0x2e, 0x70, 0x6e, 0x67, 0x00, 0x40, 0x00, 0x09, 0x00, 0x04, 0x00, 0xef, 0xbe,
+      0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x2e, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+      0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+      0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x61, 0x00, 0x73, 0x00, 0x68, 0x00, 0x2e,
+      0x00, 0x70, 0x00, 0x6e, 0x00, 0x67, 0x00, 0x00, 0x00, 0x16, 0x00};
+  list.insert(list.end(), file.begin(), file.end());
+  list.insert(list.end(), {0, 0});
+  IShellItems& items = *this->platform_->ShellItems;
+  StringList names;
+  ASSERT_EQ(ERROR_SUCCESS, items.ItemNames(list, names));
+  ASSERT_EQ(3u, names.size());
+  EXPECT_FALSE(names[0].empty());
+  EXPECT_EQ(u"C:\\", names[1]);
+  EXPECT_EQ(u"ash.png", names[2]);
+
+  const Bytes cutShort(list.begin(), list.begin() + 40);
+  const Bytes tooSmall = {0x02, 0x00, 0x00, 0x00};
+  for (const Bytes* bad : {&cutShort, &tooSmall}) {
+    EXPECT_EQ(ERROR_INVALID_DATA, items.ItemNames(*bad, names));
+    EXPECT_TRUE(names.empty());
+  }
+}
+
+TYPED_TEST_P(ContractTest, JumpListStreamsAndLinkTargetsAreRead) {
+  const Bytes jumpList = RealFile("windows/jumplist/1b4dd67f29cb1962.automaticDestinations-ms");
+  const Bytes link = RealFile("windows/lnk/NeroInfoTool.lnk");
+  if (jumpList.empty() || link.empty()) GTEST_SKIP() << "../shared/realworld is not there";
+  IJumpListFiles& reader = *this->platform_->JumpLists;
+  std::vector<NamedStream> streams;
+  ASSERT_EQ(ERROR_SUCCESS, reader.ReadStreams(jumpList, streams));
+  StringList names;
+  for (const auto& s : streams) names.push_back(s.Name);
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ((StringList{u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"DestList"}), names);
+  for (const auto& s : streams) {
+    if (s.Name == u"DestList") {
+      EXPECT_EQ(1500u, s.Data.size());
+      continue;
+    }
+    String target;
+    EXPECT_EQ(ERROR_SUCCESS, reader.ReadLink(s.Data, target)) << ToUtf8(s.Name);
+    EXPECT_FALSE(target.empty()) << ToUtf8(s.Name);
+  }
+  String target;
+  ASSERT_EQ(ERROR_SUCCESS, reader.ReadLink(link, target));
+  EXPECT_EQ(u"C:\\Program Files (x86)\\Nero\\Nero 9\\Nero InfoTool\\InfoTool.exe", target);
+  EXPECT_EQ(ERROR_INVALID_DATA, reader.ReadStreams(link, streams));
+  EXPECT_EQ(ERROR_INVALID_DATA, reader.ReadLink(Bytes(link.begin() + 4, link.end()), target));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(ContractTest, KnownFoldersAreTheShellFoldersOfOldAndUnknownIdsAreMissing,
+                            ShellItemListsAreNamedItemByItem, JumpListStreamsAndLinkTargetsAreRead, ValuesEnumerateInCreationOrder,
                             KeysEnumerateAscendingByUpperCasedName,
                             RegistryNamesIgnoreCaseAndKeepIt, ValueTypesRoundTripByteForByte,
-                            DefaultValueHasTheEmptyName, MissingRegistryItemsAnswerTheirErrorCodes,
+                            MissingRegistryItemsAnswerTheirErrorCodes,
                             DeleteKeyTreeRemovesTheKeyAndAllBelowIt,
                             ListFolderIsAscendingByUpperCasedName, PathsIgnoreCaseAndNamesKeepIt,
                             MissingFilesAndFoldersAnswerTheirErrorCodes,
@@ -570,7 +663,9 @@ REGISTER_TYPED_TEST_SUITE_P(ContractTest, ValuesEnumerateInCreationOrder,
                             FoldersAreMadeWithParentsAndRemovedOnlyWhenEmpty,
                             ReadOnlyFilesRefuseWritingAndRemoval,
                             FilesInUseRefuseWritingRemovalAndRenaming,
-                            ReparsePointsAreReportedButNeverFollowed, VolumeFactsOfAWrittenFile,
+                            ReparsePointsAreReportedButNeverFollowed,
+                            HardLinkedFilesLoseOnlyTheShreddedName, VolumeFactsOfAWrittenFile,
+                            EventLogsKeepTheirPlacesWhenOneRefusesTheUser,
                             DeleteAtNextStartAppendsToPendingFileRenameOperations);
 
 }  // namespace tc::contract

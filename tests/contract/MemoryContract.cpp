@@ -1,5 +1,6 @@
 // The contract suite on the in-memory Windows; files in use come from FaultyFileSystem.
 #include "ContractSuite.h"
+#include "SqliteContract.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace tc::contract {
@@ -23,10 +24,21 @@ struct MemoryTraits {
     auto files = std::dynamic_pointer_cast<MemoryFileSystem>(faults ? faults->Inner() : p.Files);
     return files && files->AddLink(link, target, true) == ERROR_SUCCESS;
   }
+  static bool RefuseLog(Platform& p, const String& log) {
+    auto logs = std::dynamic_pointer_cast<MemoryEventLogs>(p.EventLogs);
+    if (logs) logs->SetAccessError(log, ERROR_ACCESS_DENIED);
+    return logs != nullptr;
+  }
+  static bool MakeHardLink(Platform& p, const String& link, const String& existing) {
+    auto faults = std::dynamic_pointer_cast<FaultyFileSystem>(p.Files);
+    auto files = std::dynamic_pointer_cast<MemoryFileSystem>(faults ? faults->Inner() : p.Files);
+    return files && files->AddHardLink(link, existing) == ERROR_SUCCESS;
+  }
 };
 
 }  // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, ContractTest, MemoryTraits);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, SqliteContractTest, MemoryTraits);
 
 }  // namespace tc::contract

@@ -8,6 +8,7 @@
 #include <map>
 
 #include "ContractSuite.h"
+#include "SqliteContract.h"
 #include "OfflineTestSupport.h"
 #include "platform/offline/OfflineImage.h"
 
@@ -77,10 +78,19 @@ struct OfflineTraits {
                                  hostLink, ec);
     return !ec;
   }
+  static bool RefuseLog(Platform&, const String&) { return false; }
+  static bool MakeHardLink(Platform& p, const String& link, const String& existing) {
+    std::string hostLink, hostExisting;
+    const DriveMap& drives = VolumeOf(p)->Drives();
+    return drives.Resolve(link, LastLink::NoFollow, true, hostLink) == 0 &&
+           drives.Resolve(existing, LastLink::NoFollow, false, hostExisting) == 0 &&
+           ::link(hostExisting.c_str(), hostLink.c_str()) == 0;
+  }
 };
 
 }  // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Offline, ContractTest, OfflineTraits);
+INSTANTIATE_TYPED_TEST_SUITE_P(Offline, SqliteContractTest, OfflineTraits);
 
 }  // namespace tc::contract

@@ -2,6 +2,8 @@
 #include <map>
 
 #include "ContractSuite.h"
+#include "SqliteContract.h"
+#include "platform/win32/Win32EventLogs.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Win32Text.h"
 #include "tests/win32/LiveSystemLock.h"
@@ -55,6 +57,20 @@ bool MakeJunction(const String& link, const String& target) {
   return made;
 }
 
+// The event-log service's answer for a log this user may not open, for one chosen log.
+String& RefusedLog() {
+  static String name;
+  return name;
+}
+
+HANDLE WINAPI OpenUnlessRefused(LPCWSTR server, LPCWSTR log) {
+  if (SameText(FromWide(log), RefusedLog())) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return nullptr;
+  }
+  return OpenEventLogW(server, log);
+}
+
 bool RunningUnderWine() {
   return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
@@ -88,6 +104,14 @@ struct Win32Traits {
   static bool MakeFolderLink(Platform&, const String& link, const String& target) {
     return MakeJunction(link, target);
   }
+  static bool RefuseLog(Platform& p, const String& log) {
+    RefusedLog() = log;
+    p.EventLogs = std::make_shared<Win32EventLogs>(&OpenUnlessRefused);
+    return true;
+  }
+  static bool MakeHardLink(Platform&, const String& link, const String& existing) {
+    return CreateHardLinkW(Wide(link), Wide(existing), nullptr);
+  }
   // Wine keeps a key's values sorted by name, not in the order they were made.
   static bool KeepsValueOrder() { return !RunningUnderWine(); }
 };
@@ -95,5 +119,6 @@ struct Win32Traits {
 }  // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Win32, ContractTest, Win32Traits);
+INSTANTIATE_TYPED_TEST_SUITE_P(Win32, SqliteContractTest, Win32Traits);
 
 }  // namespace tc::contract

@@ -4,9 +4,10 @@
 #include <algorithm>
 
 #include "EngineFixture.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orviregistry.h"
+#include "platform/helpers/RegData.h"
 #include "platform/Shell.h"
-#include "platform/Stringhelper.h"
+#include "platform/helpers/Stringhelper.h"
 
 namespace tc {
 namespace {
@@ -43,78 +44,26 @@ TEST_F(CleanTest, StringListOptionEmptiesOnlyWhenItIsExactlyTheOption) {
 }
 
 TEST_F(CleanTest, EmptyRegValueByType) {
-  struct Case {
-    uint32_t type;
-    Bytes before;
-    Bytes after;
-  };
-  const Case cases[] = {
-      {REG_SZ, StringBytes(u"abc"), StringBytes(u"")},
-      {REG_MULTI_SZ, MultiBytes({u"a", u"b"}), Bytes{0, 0}},
-      {REG_BINARY, Bytes{1, 2, 3}, Bytes{}},
-      {REG_EXPAND_SZ, StringBytes(u"%TEMP%"), StringBytes(u"%TEMP%")},
-      {REG_DWORD, Bytes{5, 0, 0, 0}, Bytes{5, 0, 0, 0}},
-      {REG_QWORD, Bytes{1, 0, 0, 0, 0, 0, 0, 0}, Bytes{1, 0, 0, 0, 0, 0, 0, 0}},
+  const std::pair<RegValue, Bytes> cases[] = {  // before, and the data after
+      {RegData::Sz(u"abc"), RegData::Sz(u"").Data},
+      {RegData::MultiSz({u"a", u"b"}), Bytes{0, 0}},
+      {RegData::Binary({1, 2, 3}), Bytes{}},
+      {RegData::ExpandSz(u"%TEMP%"), RegData::ExpandSz(u"%TEMP%").Data},
+      {RegData::Dword(5), RegData::Dword(5).Data},
+      {RegData::Qword(1), RegData::Qword(1).Data},
   };
   TestPlugin p(u"TTCPEmpty");
-  for (const auto& c : cases) {
+  for (const auto& [before, after] : cases) {
     Services().Registry->CreateKey(HKEY_CURRENT_USER, kKey, RegView::Default);
-    Services().Registry->SetValue(HKEY_CURRENT_USER, kKey, u"v", RegValue{c.type, c.before},
-                                  RegView::Default);
+    Services().Registry->SetValue(HKEY_CURRENT_USER, kKey, u"v", before, RegView::Default);
     p.Cleaning_EmptyRegValue(HKEY_CURRENT_USER, kKey, u"v");
     RegValue v;
     ASSERT_EQ(Services().Registry->QueryValue(HKEY_CURRENT_USER, kKey, u"v", v, RegView::Default),
               ERROR_SUCCESS);
-    EXPECT_EQ(v.Type, c.type);
-    EXPECT_EQ(v.Data, c.after) << "type " << c.type;
+    EXPECT_EQ(v.Type, before.Type);
+    EXPECT_EQ(v.Data, after) << "type " << before.Type;
   }
   p.Cleaning_EmptyRegValue(HKEY_CURRENT_USER, kKey, u"missing");  // nothing to do, no error
-}
-
-TEST_F(CleanTest, MRUListKeepsAnEmptyOrderValueAndMRUListExKeepsNothing) {
-  SetString(kKey, u"a", u"x");
-  SetString(kKey, u"MRUList", u"a");
-  SetString(kKey + u"\\Sub", u"b", u"y");
-  SetString(u"Software\\Test\\Other", u"keep", u"me");
-  TestPlugin p(u"TTCPMru");
-  p.AddTraceLocation(TLT_Registry_MRUList, new TLD_Registry_MRUList(HKEY_CURRENT_USER, kKey, 0),
-                     TTT_Unknown, 0);
-  p.Clean();
-  EXPECT_EQ(ValueNames(kKey), StringList{u"MRUList"});
-  EXPECT_EQ(GetRegStringValueDef(HKEY_CURRENT_USER, kKey, u"MRUList", u"?", RO_None), u"");
-  EXPECT_FALSE(KeyExist(HKEY_CURRENT_USER, kKey + u"\\Sub", RO_None));
-  EXPECT_EQ(GetRegStringValueDef(HKEY_CURRENT_USER, u"Software\\Test\\Other", u"keep", u"", RO_None),
-            u"me");
-
-  const String ex = u"Software\\Test\\Ex";
-  SetBinary(ex, u"0", {1});
-  SetBinary(ex, u"MRUListEx", {0, 0, 0, 0});
-  SetBinary(ex, u"ViewStream", {1});
-  TestPlugin q(u"TTCPMruEx");
-  q.AddTraceLocation(TLT_Registry_MRUListEx, new TLD_Registry_MRUListEx(HKEY_CURRENT_USER, ex, 0),
-                     TTT_Unknown, 0);
-  q.Clean();
-  EXPECT_TRUE(ValueNames(ex).empty());
-  EXPECT_TRUE(KeyExist(HKEY_CURRENT_USER, ex, RO_None));
-}
-
-TEST_F(CleanTest, NumberedNamesAndKeysGoEvenWithEmptyData) {
-  SetString(kKey, u"File1", u"a");
-  SetString(kKey, u"File2", u"");
-  SetString(kKey, u"FileX", u"b");
-  SetString(kKey, u"Settings", u"c");
-  Services().Registry->CreateKey(HKEY_CURRENT_USER, kKey + u"\\Item3", RegView::Default);
-  Services().Registry->CreateKey(HKEY_CURRENT_USER, kKey + u"\\Misc", RegView::Default);
-  TestPlugin p(u"TTCPNum");
-  p.AddTraceLocation(TLT_Registry_NumberedNames,
-                     new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, kKey, u"File", 0), TTT_FileName, 6);
-  p.AddTraceLocation(TLT_Registry_NumberedKeys,
-                     new TLD_Registry_NumberedKeys(HKEY_CURRENT_USER, kKey, u"Item", 0), TTT_Unknown, 0);
-  p.Clean();
-  EXPECT_EQ(ValueNames(kKey), (StringList{u"FileX", u"Settings"}));
-  StringList keys;
-  EnumRegKeysEx(HKEY_CURRENT_USER, kKey, keys, RO_None);
-  EXPECT_EQ(keys, StringList{u"Misc"});
 }
 
 TEST_F(CleanTest, StringValueIsShreddedBeforeDeletion) {
@@ -135,7 +84,7 @@ TEST_F(CleanTest, StringValueIsShreddedBeforeDeletion) {
   EXPECT_EQ(ValueNames(kKey), StringList{u"Empty"});
 }
 
-TEST_F(CleanTest, FixRenumbersNumberedNames) {
+TEST_F(CleanTest, FixRenumbersNumberedNamesAndTheirDataTravelWithThem) {
   struct Case {
     const char16_t* prefix;
     StringList before;
@@ -149,37 +98,27 @@ TEST_F(CleanTest, FixRenumbersNumberedNames) {
       {u"MRU", {u"MRU3"}, 6 | FlagOf(TF_Zero_Based), {u"MRU0"}},
       {u"File", {u"File0", u"File4"}, 6, {u"File0", u"File1"}},  // 0 lies below the start
       {u"File", {u"File1", u"File01"}, 6, {u"File01", u"File1"}},
+      {u"File", {u"File2"}, FlagOf(TF_Deletable_Per_Item), {u"File2"}},  // asks for no fix
   };
   for (const auto& c : cases) {
     DeleteRegKey(HKEY_CURRENT_USER, kKey, RO_None);
-    for (const auto& n : c.before) SetString(kKey, n, u"data " + n);
+    StringList data;
+    for (const auto& n : c.before) {
+      SetString(kKey, n, u"data " + n);
+      data.push_back(u"data " + n);
+    }
     TestPlugin p(u"TTCPFix");
     p.AddTraceLocation(TLT_Registry_NumberedNames,
                        new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, kKey, c.prefix, 0),
                        TTT_FileName, c.flags);
     p.Fix();
-    StringList after = ValueNames(kKey);
+    StringList after = ValueNames(kKey), moved;
     std::sort(after.begin(), after.end());
     EXPECT_EQ(after, c.after) << ToUtf8(c.before[0]);
+    for (const auto& n : after) moved.push_back(GetRegStringValueDef(HKEY_CURRENT_USER, kKey, n, u"", RO_None));
+    std::sort(data.begin(), data.end());
+    EXPECT_EQ(moved, data) << ToUtf8(c.before[0]);
   }
-  // Data travel with their names.
-  DeleteRegKey(HKEY_CURRENT_USER, kKey, RO_None);
-  SetString(kKey, u"File3", u"three");
-  TestPlugin p(u"TTCPFixData");
-  p.AddTraceLocation(TLT_Registry_NumberedNames,
-                     new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, kKey, u"File", 0), TTT_FileName, 6);
-  p.Fix();
-  EXPECT_EQ(GetRegStringValueDef(HKEY_CURRENT_USER, kKey, u"File1", u"", RO_None), u"three");
-}
-
-TEST_F(CleanTest, FixOnlyTouchesLocationsThatAskForIt) {
-  SetString(kKey, u"File2", u"x");
-  TestPlugin p(u"TTCPNoFix");
-  p.AddTraceLocation(TLT_Registry_NumberedNames,
-                     new TLD_Registry_NumberedNames(HKEY_CURRENT_USER, kKey, u"File", 0),
-                     TTT_FileName, FlagOf(TF_Deletable_Per_Item));
-  p.Fix();
-  EXPECT_EQ(ValueNames(kKey), StringList{u"File2"});
 }
 
 TEST_F(CleanTest, FixRepairsMRUListOrderStrings) {
@@ -199,11 +138,15 @@ TEST_F(CleanTest, FixRepairsMRUListOrderStrings) {
 
 TEST_F(CleanTest, FileLocationsCleanRecursivelyOnlyForTheExactOption) {
   const String dir = u"C:\\Temp\\Clean";
+  auto mem = MemoryOf(platform_);
+  mem.Files->AddDevice(dir + u"\\pipe.log");
+  WriteFile(u"C:\\Outside\\kept.log", "precious");
   auto populate = [&] {
     WriteFile(dir + u"\\a.log", "1");
     WriteFile(dir + u"\\desktop.ini", "2");
     WriteFile(dir + u"\\b.txt", "3");
     WriteFile(dir + u"\\Sub\\c.log", "4");
+    mem.Files->AddLink(dir + u"\\Folder-link.log", u"C:\\Outside", true);
   };
   struct Case {
     uint32_t options;
@@ -220,6 +163,9 @@ TEST_F(CleanTest, FileLocationsCleanRecursivelyOnlyForTheExactOption) {
     EXPECT_TRUE(FileExists(dir + u"\\b.txt"));
     EXPECT_EQ(!FileExists(dir + u"\\Sub\\c.log"), c.subFileGone) << c.options;
     EXPECT_TRUE(DirExists(dir + u"\\Sub"));  // folders are never removed
+    EXPECT_FALSE(mem.Files->Exists(dir + u"\\Folder-link.log"));  // the link, not its target
+    EXPECT_EQ(mem.Files->Contents(u"C:\\Outside\\kept.log"), "precious");
+    EXPECT_TRUE(mem.Files->Exists(dir + u"\\pipe.log"));
   }
 }
 

@@ -7,9 +7,9 @@
 #include "engine/TC_BasePlugin.h"
 #include "engine/TC_Common.h"
 #include "engine/Traces.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Platform.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/memory/ManualClock.h"
 #include "platform/memory/MemoryPlatform.h"
 
@@ -34,24 +34,6 @@ inline TScanTraceFoundEvent Recorder(std::vector<FoundTrace>& into) {
                  TTraceTargetType target, TTraceFlags flags, const String& data) {
     into.push_back({type, source, target, flags, data});
   };
-}
-
-inline Bytes StringBytes(std::u16string_view s) {
-  Bytes b = ToUtf16LE(s);
-  b.push_back(0);
-  b.push_back(0);
-  return b;
-}
-
-inline Bytes MultiBytes(const StringList& lines) {
-  Bytes b;
-  for (const auto& l : lines) {
-    Bytes one = StringBytes(l);
-    b.insert(b.end(), one.begin(), one.end());
-  }
-  b.push_back(0);
-  b.push_back(0);
-  return b;
 }
 
 class EngineFixture : public ::testing::Test {
@@ -107,16 +89,6 @@ class EngineFixture : public ::testing::Test {
     std::unique_ptr<IFileHandle> f;
     ASSERT_EQ(fs.Open(path, OpenMode::CreateAlways, f), ERROR_SUCCESS);
     ASSERT_EQ(f->Write(0, content.data(), content.size()), ERROR_SUCCESS);
-  }
-  static std::string ReadFile(const String& path) {
-    std::unique_ptr<IFileHandle> f;
-    if (Services().Files->Open(path, OpenMode::Read, f) != ERROR_SUCCESS) return "<missing>";
-    uint64_t size = 0;
-    f->GetSize(size);
-    std::string data(size, '\0');
-    size_t done = 0;
-    f->Read(0, data.data(), data.size(), done);
-    return data;
   }
   static bool FileExists(const String& path) { return OrviFileExists(path); }
 };

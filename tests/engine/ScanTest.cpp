@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "EngineFixture.h"
-#include "platform/Orviregistry.h"
+#include "platform/helpers/Orviregistry.h"
+#include "platform/helpers/RegData.h"
+#include "platform/helpers/TextCodec.h"
 
 namespace tc {
 namespace {
@@ -14,15 +16,14 @@ class ScanTest : public EngineFixture {
   TestPlugin plugin{u"TTCPScan"};
   std::vector<FoundTrace> found;
 
-  void SetUp() override {
-    EngineFixture::SetUp();
-    plugin.OnScanTraceFound = Recorder(found);
-  }
-  int ScanCount() {
+  // Scans `p` with its reports recorded in `found`; its trace count.
+  int ScanCount(TTCPlugin& p) {
     found.clear();
-    plugin.Scan();
-    return plugin.TraceCount;
+    p.OnScanTraceFound = Recorder(found);
+    p.Scan();
+    return p.TraceCount;
   }
+  int ScanCount() { return ScanCount(plugin); }
 };
 
 TEST_F(ScanTest, PresenceDecidesDeactivation) {
@@ -62,8 +63,7 @@ TEST_F(ScanTest, AllValuesSkipsBlankDataUnlessAskedAndReportsNothingSingly) {
   all.AddTraceLocation(TLT_Registry_AllValues,
                        new TLD_Registry_AllValues(HKEY_CURRENT_USER, kKey, LO_CountEmptyValues),
                        TTT_FileName, 0);
-  all.Scan();
-  EXPECT_EQ(all.TraceCount, 3);
+  EXPECT_EQ(ScanCount(all), 3);
 }
 
 TEST_F(ScanTest, NumberedNamesNeedPrefixNumberAndData) {
@@ -98,32 +98,26 @@ TEST_F(ScanTest, NumberedKeysReportTheLocationKeysValueOfTheSameName) {
   EXPECT_EQ(found[1].data, u"second");
 }
 
-struct StringValueCase {
-  const char* name;
-  uint32_t type;
-  Bytes data;
-  const char16_t* separator;
-  uint32_t options;
-  int traces;
-};
-
 TEST_F(ScanTest, StringValuesCountItems) {
-  auto sz = [](std::u16string_view s) { return StringBytes(s); };
-  const StringValueCase cases[] = {
-      {"separated", REG_SZ, sz(u"a;b;c"), u";", 0, 3},
-      {"single", REG_SZ, sz(u"a;b;c"), u"", 0, 1},
-      {"empty", REG_SZ, sz(u""), u";", 0, 0},
-      {"multi", REG_MULTI_SZ, MultiBytes({u"one", u"two"}), u"", LO_MultiString, 2},
-      {"binary_text", REG_BINARY, {'a', 0, ',', 0, 'b', 0, 0, 0, 7}, u",", LO_BinaryText, 2},
+  const struct {
+    const char* name;
+    RegValue value;
+    const char16_t* separator;
+    uint32_t options;
+    int traces;
+  } cases[] = {
+      {"separated", RegData::Sz(u"a;b;c"), u";", 0, 3},
+      {"single", RegData::Sz(u"a;b;c"), u"", 0, 1},
+      {"empty", RegData::Sz(u""), u";", 0, 0},
+      {"multi", RegData::MultiSz({u"one", u"two"}), u"", LO_MultiString, 2},
+      {"binary_text", RegData::Binary({'a', 0, ',', 0, 'b', 0, 0, 0, 7}), u",", LO_BinaryText, 2},
   };
   for (const auto& c : cases) {
     TestPlugin p(u"TTCPValue");
     Services().Registry->CreateKey(HKEY_CURRENT_USER, kKey, RegView::Default);
-    Services().Registry->SetValue(HKEY_CURRENT_USER, kKey, u"V", RegValue{c.type, c.data},
-                                  RegView::Default);
+    Services().Registry->SetValue(HKEY_CURRENT_USER, kKey, u"V", c.value, RegView::Default);
     p.AddTraceLocation(TLT_Registry_StringValue,
-                       new TLD_Registry_StringValue(HKEY_CURRENT_USER, kKey, u"V", c.separator,
-                                                    c.options),
+                       new TLD_Registry_StringValue(HKEY_CURRENT_USER, kKey, u"V", c.separator, c.options),
                        TTT_Unknown, 0);
     p.Scan();
     EXPECT_EQ(p.TraceCount, c.traces) << c.name;
@@ -158,12 +152,9 @@ TEST_F(ScanTest, MRUListsCountEveryValueButTheirOrderValues) {
   SetBinary(ex, u"MRUListEx", {0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
   SetBinary(ex, u"ViewStream", {1, 2});
   TestPlugin p(u"TTCPEx");
-  p.OnScanTraceFound = Recorder(found);
-  found.clear();
   p.AddTraceLocation(TLT_Registry_MRUListEx, new TLD_Registry_MRUListEx(HKEY_CURRENT_USER, ex, 0),
                      TTT_FileName, 0);
-  p.Scan();
-  EXPECT_EQ(p.TraceCount, 1);
+  EXPECT_EQ(ScanCount(p), 1);
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].data, u"x");  // binary holding UTF-16 text reads as that text
 }
@@ -174,8 +165,7 @@ TEST_F(ScanTest, FileLocations) {
   TestPlugin onlyIni(u"TTCPIni");
   onlyIni.AddTraceLocation(TLT_FileSystem_Files, new TLD_FileSystem_Files(dir, u"*.*", u"", 0),
                            TTT_Unknown, 0);
-  onlyIni.Scan();
-  EXPECT_EQ(onlyIni.TraceCount, 0);
+  EXPECT_EQ(ScanCount(onlyIni), 0);
   EXPECT_TRUE(onlyIni.Active);  // the folder exists
 
   WriteFile(dir + u"\\a.log", "data");
@@ -183,6 +173,12 @@ TEST_F(ScanTest, FileLocations) {
   WriteFile(dir + u"\\keep.txt", "data");
   WriteFile(dir + u"\\Sub\\deep.log", "data");
   WriteFile(dir + u"\\Sub\\More\\deeper.log", "data");
+  // Links are traces by their own names, never ways in; a pipe is no trace.
+  auto mem = MemoryOf(platform_);
+  WriteFile(u"C:\\Outside\\hidden.log", "data");
+  mem.Files->AddLink(dir + u"\\file-link.log", u"C:\\Outside\\hidden.log", false);
+  mem.Files->AddLink(dir + u"\\Sub\\Junction.log", u"C:\\Outside", true);
+  mem.Files->AddDevice(dir + u"\\pipe.log");
 
   struct Case {
     const char* name;
@@ -192,29 +188,24 @@ TEST_F(ScanTest, FileLocations) {
     size_t reported;
   };
   const Case cases[] = {
-      {"flat", dir + u"\\", 0, 2, 2},
+      {"flat", dir + u"\\", 0, 3, 3},
       {"non_empty_only", dir + u"\\", LO_NonEmptyFilesOnly, 1, 1},
-      {"recursive", dir, LO_Recursive, 4, 0},
-      {"recursive_contains_bit", dir, LO_Recursive | 0x100, 4, 0},
+      {"recursive", dir, LO_Recursive, 6, 0},
+      {"recursive_contains_bit", dir, LO_Recursive | 0x100, 6, 0},
   };
   for (const auto& c : cases) {
     TestPlugin p(u"TTCPFiles");
-    found.clear();
-    p.OnScanTraceFound = Recorder(found);
     p.AddTraceLocation(TLT_FileSystem_Files, new TLD_FileSystem_Files(c.folder, u"*.log", u"", c.options),
                        TTT_Unknown, 0);
-    p.Scan();
-    EXPECT_EQ(p.TraceCount, c.traces) << c.name;
+    EXPECT_EQ(ScanCount(p), c.traces) << c.name;
     EXPECT_EQ(found.size(), c.reported) << c.name;
   }
 
   // The reported name is the folder as given followed directly by the file name.
   TestPlugin bare(u"TTCPBare");
-  found.clear();
-  bare.OnScanTraceFound = Recorder(found);
   bare.AddTraceLocation(TLT_FileSystem_Files, new TLD_FileSystem_Files(dir, u"a.log", u"", 0),
                         TTT_Unknown, 0);
-  bare.Scan();
+  ASSERT_EQ(ScanCount(bare), 1);
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].source.FileName, dir + u"a.log");
   EXPECT_EQ(found[0].source.RootKey, kNoRootKey);
@@ -269,6 +260,26 @@ TEST_F(ScanTest, UserAssistDecodingTable) {
     TTraceFlags flags = 0xFF;
     EXPECT_EQ(DecodeUserAssistName(name, flags), String(c.path)) << ToUtf8(c.decoded);
     EXPECT_EQ(flags, c.flags) << ToUtf8(c.decoded);
+  }
+}
+
+TEST(MaskTest, AStarThenTextMatchesTheNamesEndWhateverItsCase) {
+  struct Case {
+    const char16_t* mask;
+    const char16_t* name;
+    bool match;
+  };
+  const Case cases[] = {
+      {u"*.jpg", u"Bild.JPG", true},   {u"*.jpg", u"jpg", false},
+      {u"*.jpg", u".jpg", true},       {u"*.jpeg", u"a.jpg", false},
+      {u"*.jpg", u"a.jpg.txt", false}, {u"*ä.txt", u"GRÄ.TXT", true},
+      {u"*.", u"a.", true},            {u"*.", u"a", false},
+      {u"*.t?t", u"a.TXT", true},      {u"a*.log", u"A.log", true},
+  };
+  for (const auto& c : cases) {
+    TWildcardMatcher m;
+    m.AddSearchMask(c.mask, 0);
+    EXPECT_EQ(c.match, m.Match(c.name)) << ToUtf8(c.mask) << " " << ToUtf8(c.name);
   }
 }
 

@@ -6,58 +6,40 @@
 #include <map>
 
 #include "EngineFixture.h"
-#include "platform/Orvihelper.h"
-#include "platform/Stringhelper.h"
+#include "platform/common/FaultInjection.h"
+#include "platform/helpers/FileContents.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Stringhelper.h"
 
 namespace tc {
 namespace {
 
-// Passes every call on; snapshots a file's content at each flush, rename and removal, and
-// can make files look in use.
-class SpyFiles : public IFileSystem {
+// Snapshots a file's content at each flush and at its removal; as the fault wrapper it is,
+// it can make files look in use.
+class SpyFiles : public FaultyFileSystem {
  public:
-  explicit SpyFiles(std::shared_ptr<IFileSystem> inner) : inner_(std::move(inner)) {}
+  using FaultyFileSystem::FaultyFileSystem;
 
   std::vector<std::string> flushes;                     // content after each pass
   std::vector<std::pair<String, std::string>> removed;  // name and content when removed
-  StringList renamedTo;
-  std::map<String, uint32_t> inUse;
   std::function<void()> onWrite;
 
   std::string Content(const String& path) {
-    std::unique_ptr<IFileHandle> f;
-    if (inner_->Open(path, OpenMode::Read, f) != ERROR_SUCCESS) return "<missing>";
-    uint64_t size = 0;
-    f->GetSize(size);
-    std::string data(size, '\0');
-    size_t done = 0;
-    f->Read(0, data.data(), data.size(), done);
-    return data;
+    Bytes data;
+    FileContents::Read(*Inner(), path, data);
+    return std::string(data.begin(), data.end());
   }
-
-  uint32_t ListFolder(const String& f, std::vector<FileInfo>& e) override { return inner_->ListFolder(f, e); }
-  uint32_t GetInfo(const String& p, FileInfo& i) override { return inner_->GetInfo(p, i); }
   uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) override {
-    if (mode != OpenMode::Read && inUse.count(path)) return inUse[path];
-    std::unique_ptr<IFileHandle> inner;
-    uint32_t rc = inner_->Open(path, mode, inner);
-    if (rc == ERROR_SUCCESS) file = std::make_unique<Handle>(*this, path, std::move(inner));
+    const uint32_t rc = FaultyFileSystem::Open(path, mode, file);
+    if (rc == ERROR_SUCCESS) file = std::make_unique<Handle>(*this, path, std::move(file));
     return rc;
   }
   uint32_t RemoveFile(const String& path) override {
-    if (inUse.count(path)) return inUse[path];
-    removed.emplace_back(path, Content(path));
-    return inner_->RemoveFile(path);
+    const std::string content = Content(path);
+    const uint32_t rc = FaultyFileSystem::RemoveFile(path);
+    if (rc == ERROR_SUCCESS) removed.emplace_back(path, content);
+    return rc;
   }
-  uint32_t MakeFolder(const String& p) override { return inner_->MakeFolder(p); }
-  uint32_t RemoveFolder(const String& p) override { return inner_->RemoveFolder(p); }
-  uint32_t Rename(const String& from, const String& to) override {
-    if (inUse.count(from)) return inUse[from];
-    renamedTo.push_back(to);
-    return inner_->Rename(from, to);
-  }
-  uint32_t SetAttributes(const String& p, uint32_t a) override { return inner_->SetAttributes(p, a); }
-  uint32_t DriveType(const String& p) override { return inner_->DriveType(p); }
 
  private:
   class Handle : public IFileHandle {
@@ -84,7 +66,6 @@ class SpyFiles : public IFileSystem {
     String path_;
     std::unique_ptr<IFileHandle> inner_;
   };
-  std::shared_ptr<IFileSystem> inner_;
 };
 
 const String kDir = u"C:\\Users\\Tester\\Documents";
@@ -172,25 +153,25 @@ TEST_F(ShredTest, FilesInUseAreScheduledForTheNextStart) {
   for (uint32_t code : {ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION}) {
     TestPlugin p(u"TTCPLocked");
     WriteFile(kFile, "in use");
-    spy->inUse[kFile] = code;
+    spy->LockFile(kFile, code);
     EXPECT_FALSE(p.SecureDeleteFile(kFile));
     EXPECT_TRUE(p.RebootRequired);
-    EXPECT_EQ(ReadFile(kFile), "in use");
+    EXPECT_EQ(spy->Content(kFile), "in use");
     StringList pending;
     Services().RebootDeleter->Pending(pending);
     EXPECT_EQ(pending.back(), kFile);
-    spy->inUse.clear();
+    spy->ClearFaults();
   }
 }
 
 TEST_F(ShredTest, OtherFailuresCountAsDoneAndBatchesScheduleNothing) {
   EXPECT_TRUE(plugin.SecureDeleteFile(kDir + u"\\missing.txt"));
   WriteFile(kFile, "denied");
-  spy->inUse[kFile] = ERROR_ACCESS_DENIED;
+  spy->LockFile(kFile, ERROR_ACCESS_DENIED);
   EXPECT_TRUE(plugin.SecureDeleteFile(kFile));
   EXPECT_FALSE(plugin.RebootRequired);
 
-  spy->inUse[kFile] = ERROR_SHARING_VIOLATION;
+  spy->LockFile(kFile, ERROR_SHARING_VIOLATION);
   EXPECT_FALSE(plugin.SecureDeleteFiles({kFile}));
   EXPECT_FALSE(plugin.RebootRequired);
   StringList pending;

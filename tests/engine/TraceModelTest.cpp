@@ -19,17 +19,6 @@ TEST_F(TraceModelTest, IdIsClassNameWithoutPrefixAndLookupIsCaseSensitive) {
   EXPECT_EQ(found, nullptr);
 }
 
-TEST_F(TraceModelTest, ConstructionRegistersAndDestructionUnregisters) {
-  int before = Plugins->Count();
-  {
-    TestPlugin a(u"TTCPA"), b(u"TTCPB");
-    ASSERT_EQ(Plugins->Count(), before + 2);
-    EXPECT_EQ(Plugins->Get(before), &a);
-    EXPECT_EQ(Plugins->Get(before + 1), &b);
-  }
-  EXPECT_EQ(Plugins->Count(), before);
-}
-
 TEST_F(TraceModelTest, SetPluginStatusTouchesSortOrderOnlyForNonNegativeOrders) {
   TestPlugin p(u"TTCPStatus");
   p.SortOrder = 7;
@@ -57,39 +46,32 @@ TEST_F(TraceModelTest, NotCleanedRecordsAreNeverMerged) {
   EXPECT_EQ(Plugins->CountNotCleanedTraces(&other), 0);
 }
 
-struct SortCase {
-  const char* name;
-  int orderA, orderB;
-  const char16_t *sectionA, *sectionB, *appA, *appB, *captionA, *captionB;
-  bool sortPutsAFirst;       // Sort: caption compared ordinally
-  bool appSortPutsAFirst;    // SortAppCaption: caption compared with the locale
-};
-
-class SortTest : public EngineFixture, public ::testing::WithParamInterface<SortCase> {};
-
-TEST_P(SortTest, OrdersByTheirKeys) {
-  const SortCase& c = GetParam();
-  TestPlugin b(u"TTCPB"), a(u"TTCPA");  // b first, so a stable order would keep b first
-  a.SortOrder = c.orderA, b.SortOrder = c.orderB;
-  a.Section = c.sectionA, b.Section = c.sectionB;
-  a.AppCaption = c.appA, b.AppCaption = c.appB;
-  a.Caption = c.captionA, b.Caption = c.captionB;
-  Plugins->Sort();
-  EXPECT_EQ(Plugins->IndexOf(&a) < Plugins->IndexOf(&b), c.sortPutsAFirst) << "Sort";
-  Plugins->SortAppCaption();
-  EXPECT_EQ(Plugins->IndexOf(&a) < Plugins->IndexOf(&b), c.appSortPutsAFirst) << "SortAppCaption";
+TEST_F(TraceModelTest, SortsByTheirKeys) {
+  struct Case {
+    const char* name;
+    int orderA, orderB;
+    const char16_t *sectionA, *sectionB, *appA, *appB, *captionA, *captionB;
+    bool sortPutsAFirst;     // Sort: caption compared ordinally
+    bool appSortPutsAFirst;  // SortAppCaption: caption compared with the locale
+  } cases[] = {
+      {"order first", 1, 2, u"Z", u"A", u"Z", u"A", u"z", u"a", true, true},
+      {"section second", 0, 0, u"Browser", u"Büroprogramme", u"Z", u"A", u"a", u"a", true, false},
+      {"umlaut caption", 0, 0, u"S", u"S", u"App", u"App", u"Äpfel", u"Birnen", false, true},
+      {"case-only caption", 0, 0, u"S", u"S", u"App", u"App", u"B", u"c", true, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    TestPlugin b(u"TTCPB"), a(u"TTCPA");  // b first, so a stable order would keep b first
+    a.SortOrder = c.orderA, b.SortOrder = c.orderB;
+    a.Section = c.sectionA, b.Section = c.sectionB;
+    a.AppCaption = c.appA, b.AppCaption = c.appB;
+    a.Caption = c.captionA, b.Caption = c.captionB;
+    Plugins->Sort();
+    EXPECT_EQ(Plugins->IndexOf(&a) < Plugins->IndexOf(&b), c.sortPutsAFirst) << "Sort";
+    Plugins->SortAppCaption();
+    EXPECT_EQ(Plugins->IndexOf(&a) < Plugins->IndexOf(&b), c.appSortPutsAFirst) << "SortAppCaption";
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Keys, SortTest,
-    ::testing::Values(
-        SortCase{"order_first", 1, 2, u"Z", u"A", u"Z", u"A", u"z", u"a", true, true},
-        SortCase{"section_second", 0, 0, u"Browser", u"Büroprogramme", u"Z", u"A", u"a", u"a",
-                 true, false},
-        SortCase{"umlaut_caption", 0, 0, u"S", u"S", u"App", u"App", u"Äpfel", u"Birnen",
-                 false, true},
-        SortCase{"case_only_caption", 0, 0, u"S", u"S", u"App", u"App", u"B", u"c", true, true}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(TraceModelTest, ProgressReportersRoundHalfToEvenAndHonourStop) {
   TestPlugin p(u"TTCPProgress");

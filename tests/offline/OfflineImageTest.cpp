@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "OfflineTestSupport.h"
-#include "platform/RegData.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/RegData.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/offline/OfflineImage.h"
 
 namespace fs = std::filesystem;

@@ -2,12 +2,14 @@
 // cuts (a name-only listing, look-ups that skip the case-insensitive search) answering as
 // the full walk does.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "OfflineTestSupport.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/offline/OfflineVolume.h"
 
 namespace fs = std::filesystem;
@@ -34,6 +36,7 @@ class VolumeTest : public ::testing::Test {
     fs::create_symlink(outside_ / "secret.txt", c_ / "Users" / "Anna" / "secret-link.txt");
     fs::create_symlink(c_ / "Cache" / "Sub", c_ / "Cache" / "dir-link");
     fs::create_symlink(c_ / "Cache" / "f_01", c_ / "Cache" / "file-link");  // inside, all the same
+    ASSERT_EQ(0, mkfifo((c_ / "Cache" / "pipe").c_str(), 0600));
     DriveMap drives;
     ASSERT_TRUE(drives.Map(u'C', c_.string()));
     volume_ = std::make_unique<OfflineVolume>(drives);
@@ -80,40 +83,33 @@ TEST_F(VolumeTest, PathsResolveWithoutCaseAndNeverPassALink) {
 }
 
 TEST_F(VolumeTest, NameListingGivesTheNamesAndKindsOfTheFullListing) {
-  // Name with the two bits a name listing must carry, sorted.
-  auto kinds = [](const std::vector<FileInfo>& entries) {
-    std::vector<std::pair<String, uint32_t>> out;
-    for (const auto& e : entries)
-      out.emplace_back(e.Name, e.Attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
+  // Name with what a name listing must carry, sorted; with sizes also a file's size and links.
+  auto kinds = [](const std::vector<FileInfo>& entries, bool sizes) {
+    std::vector<std::tuple<String, uint32_t, uint64_t, uint32_t>> out;
+    uint32_t bits = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT;
+    for (const auto& e : entries) {
+      bool file = sizes && !(e.Attributes & bits);
+      out.emplace_back(e.Name, e.Attributes & (bits | (file ? FILE_ATTRIBUTE_READONLY : 0)),
+                       file ? e.Size : 0, file ? e.Links : 1);
+    }
     std::sort(out.begin(), out.end());
     return out;
   };
-  for (const char16_t* folder : {u"C:\\Cache", u"c:\\CACHE\\", u"C:\\Cache\\Sub"}) {
-    std::vector<FileInfo> full, names;
-    ASSERT_EQ(ERROR_SUCCESS, volume_->ListFolder(folder, full)) << ToUtf8(folder);
-    ASSERT_EQ(ERROR_SUCCESS, volume_->ListFolderNames(folder, names)) << ToUtf8(folder);
-    EXPECT_EQ(kinds(full), kinds(names)) << ToUtf8(folder);
+  fs::create_hard_link(c_ / "Cache" / "f_01", c_ / "Cache" / "Sub" / "hard");
+  fs::permissions(c_ / "Cache" / "0123", fs::perms::owner_write, fs::perm_options::remove);
+  for (ListDetail detail : {ListDetail::Kinds, ListDetail::Sizes}) {
+    const bool sizes = detail == ListDetail::Sizes;
+    for (const char16_t* folder : {u"C:\\Cache", u"c:\\CACHE\\", u"C:\\Cache\\Sub"}) {
+      std::vector<FileInfo> full, names;
+      ASSERT_EQ(ERROR_SUCCESS, volume_->ListFolder(folder, full)) << ToUtf8(folder);
+      ASSERT_EQ(ERROR_SUCCESS, volume_->ListFolderNames(folder, names, detail)) << ToUtf8(folder);
+      EXPECT_EQ(kinds(full, sizes), kinds(names, sizes)) << ToUtf8(folder) << sizes;
+    }
+    std::vector<FileInfo> names;
+    EXPECT_EQ(ERROR_PATH_NOT_FOUND, volume_->ListFolderNames(u"C:\\Missing", names, detail));
+    EXPECT_EQ(ERROR_ACCESS_DENIED,
+              volume_->ListFolderNames(u"C:\\Cache\\dir-link", names, detail));
   }
-  std::vector<FileInfo> names;
-  EXPECT_EQ(ERROR_PATH_NOT_FOUND, volume_->ListFolderNames(u"C:\\Missing", names));
-  EXPECT_EQ(ERROR_ACCESS_DENIED, volume_->ListFolderNames(u"C:\\Cache\\dir-link", names));
-}
-
-TEST_F(VolumeTest, LinksAreListedAsReparsePointsAndRemovedThemselves) {
-  std::vector<FileInfo> entries;
-  ASSERT_EQ(0u, volume_->ListFolder(u"C:\\Users", entries));
-  ASSERT_EQ(3u, entries.size());
-  EXPECT_EQ(u"Anna", entries[0].Name);  // ascending by upper-cased name
-  EXPECT_EQ(u"inside", entries[1].Name);
-  EXPECT_TRUE(entries[1].IsReparsePoint());
-  EXPECT_FALSE(entries[0].IsReparsePoint());
-  FileInfo info;
-  ASSERT_EQ(0u, volume_->GetInfo(u"C:\\Users\\Anna\\secret-link.txt", info));
-  EXPECT_TRUE(info.IsReparsePoint());  // the link itself, not what it points to
-  EXPECT_EQ(0u, volume_->RemoveFile(u"C:\\Users\\Anna\\secret-link.txt"));
-  EXPECT_EQ(0u, volume_->RemoveFolder(u"C:\\abs-link"));
-  EXPECT_EQ("keep me", test::ReadBytes(outside_ / "secret.txt"));
-  EXPECT_TRUE(fs::exists(outside_));
 }
 
 TEST_F(VolumeTest, FileOpenForWritingIsInUse) {

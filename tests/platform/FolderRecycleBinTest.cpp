@@ -1,4 +1,4 @@
-#include "platform/FolderRecycleBin.h"
+#include "platform/common/FolderRecycleBin.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "platform/PendingRenameRebootDeleter.h"
+#include "platform/common/PendingRenameRebootDeleter.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/RegData.h"
+#include "platform/helpers/RegData.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace tc {

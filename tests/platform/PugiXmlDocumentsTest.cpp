@@ -1,5 +1,5 @@
 // The pugixml documents the builds with pugixml use.
-#include "platform/PugiXmlDocuments.h"
+#include "platform/common/PugiXmlDocuments.h"
 
 #include "tests/platform/XmlDocumentCases.h"
 

@@ -1,9 +1,9 @@
-#include "platform/RegistryProductSettings.h"
+#include "platform/common/RegistryProductSettings.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/RegData.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/RegData.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace tc {

@@ -1,9 +1,9 @@
-#include "platform/TextIniFiles.h"
+#include "platform/common/TextIniFiles.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/FileContents.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
+#include "tests/support/CrashPointSweep.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace tc {
@@ -108,25 +108,12 @@ TEST_F(TextIniFilesTest, KeepsUtf16AndCreatesAnsiFiles) {
 }
 
 TEST_F(TextIniFilesTest, AFailedWriteLeavesTheOriginal) {
-  const std::string original = "[S]\r\nK=v\r\n";
+  const std::string original = "[S]\r\nK=v\r\nL=w\r\n";
   mem.Files->AddFile(file, original);
-  struct Case {
-    const char* what;
-    std::function<void()> fault;
-    uint32_t expected;
-  } cases[] = {
-      {"file in use", [&] { mem.FileFaults->LockFile(file, ERROR_SHARING_VIOLATION); },
-       ERROR_SHARING_VIOLATION},
-      {"write fails", [&] { mem.FileFaults->FailNthWrite(1); }, ERROR_WRITE_FAULT},
-      {"disk full", [&] { mem.FileFaults->SetFreeSpace(3); }, ERROR_DISK_FULL},
-  };
-  for (const Case& c : cases) {
-    c.fault();
-    EXPECT_EQ(c.expected, ini.WriteString(file, u"S", u"K", u"changed")) << c.what;
-    mem.FileFaults->ClearFaults();
-    EXPECT_EQ(original, mem.Files->Contents(file)) << c.what;
-    EXPECT_FALSE(mem.Files->Exists(FileContents::TempName(file))) << c.what;
-  }
+  const std::string written = test::SweepCrashPoints(mem, file, [&] {
+    ini.WriteString(file, u"S", u"K", u"changed");
+  });
+  EXPECT_EQ("[S]\r\nK=changed\r\nL=w\r\n", written);
 }
 
 }  // namespace

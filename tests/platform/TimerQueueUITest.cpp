@@ -1,4 +1,4 @@
-#include "platform/TimerQueueUI.h"
+#include "platform/common/TimerQueueUI.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -12,22 +15,30 @@
 #include "engine/TC_BasePlugin.h"
 #include "engine/TC_Common.h"
 #include "engine/Traces.h"
-#include "platform/FaultInjection.h"
-#include "platform/Orvihelper.h"
-#include "platform/Orviregistry.h"
+#include "platform/common/FaultInjection.h"
+#include "platform/helpers/Orvihelper.h"
+#include "platform/helpers/Orviregistry.h"
 #include "platform/Platform.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace tc {
+namespace test {
 
-// One row of a unit's catalogue: what the host shows for a plug-in.
-struct CatalogueRow {
-  const char16_t* ID;
-  const char16_t* AppCaption;
-  const char16_t* Caption;
-  int Icon;
-};
+// The bytes of a file under the shared real-world folder; empty when it is absent.
+inline std::string RealFile(const std::string& relative) {
+  std::ifstream in(std::string(TC_REALWORLD_DIR) + "/" + relative, std::ios::binary);
+  std::ostringstream out;
+  out << in.rdbuf();
+  return out.str();
+}
+
+}  // namespace test
+
+// Loads a real file into `var`, or skips the test with the reason.
+#define TC_REAL_FILE(var, relative)                                                  \
+  const std::string var = ::tc::test::RealFile(relative);                            \
+  if (var.empty()) GTEST_SKIP() << "real file " << (relative) << " is not available"
 
 // One reported trace; Name is the file name of a file, else the registry value name.
 struct FoundTrace {
@@ -38,31 +49,6 @@ struct FoundTrace {
   TTraceTargetType Target;
   TTraceFlags Flags;
   String Data;
-};
-
-// Passes everything on and notes the keys asked about. It can answer "no such key" for a
-// root itself, and drop a key once its last value is deleted, as a pruning backend would.
-class SpyRegistry : public FaultyRegistry {
- public:
-  using FaultyRegistry::FaultyRegistry;
-  StringList asked;
-  HKEY missingRoot = 0;
-  bool dropEmptiedKeys = false;
-
-  uint32_t KeyExists(HKEY root, const String& key, RegView view) override {
-    asked.push_back(key);
-    if (root == missingRoot && key.empty()) return ERROR_FILE_NOT_FOUND;
-    return FaultyRegistry::KeyExists(root, key, view);
-  }
-  uint32_t DeleteValue(HKEY root, const String& key, const String& name, RegView view) override {
-    uint32_t rc = FaultyRegistry::DeleteValue(root, key, name, view);
-    std::vector<RegNamedValue> rest;
-    StringList subs;
-    if (dropEmptiedKeys && Inner()->EnumValues(root, key, rest, view) == ERROR_SUCCESS &&
-        rest.empty() && Inner()->EnumKeys(root, key, subs, view) == ERROR_SUCCESS && subs.empty())
-      Inner()->DeleteKeyTree(root, key, view);
-    return rc;
-  }
 };
 
 class AppPluginFixture : public ::testing::Test {
@@ -102,13 +88,6 @@ class AppPluginFixture : public ::testing::Test {
                          target, flags, data});
       };
   }
-  // Puts a registry wrapper that notes what is asked in front of the machine's registry.
-  std::shared_ptr<SpyRegistry> Spy() {
-    auto spy = std::make_shared<SpyRegistry>(mem.Platform->Registry);
-    mem.Platform->Registry = spy;
-    return spy;
-  }
-
   static TTCPlugin& Plugin(const String& id) {
     TTCPlugin* p = nullptr;
     if (!GetPluginByID(id, p)) throw std::runtime_error("no plug-in " + ToUtf8(id));
@@ -133,13 +112,6 @@ class AppPluginFixture : public ::testing::Test {
     for (const auto& f : found) out.push_back(f.Name);
     return out;
   }
-  // IDs of the plug-ins in Plugins whose IDs are in `ids`, in list order.
-  static StringList OrderOf(const StringList& ids) {
-    StringList out;
-    for (TTCPlugin* p : *Plugins)
-      if (std::find(ids.begin(), ids.end(), p->ID) != ids.end()) out.push_back(p->ID);
-    return out;
-  }
 
   void Str(HKEY root, const String& key, const String& name, const String& text) {
     ASSERT_EQ(mem.Registry->PutString(root, key, name, text), ERROR_SUCCESS);
@@ -160,6 +132,21 @@ class AppPluginFixture : public ::testing::Test {
     for (const char16_t* name : names) File(folder + name);
   }
   bool Exists(const String& path) { return mem.Files->Exists(path); }
+  // Every file below the real-world folder `relative`, below the Windows `folder`; false
+  // when the shared folder is absent.
+  bool CopyReal(const std::string& relative, const String& folder) {
+    namespace fs = std::filesystem;
+    const fs::path root = fs::path(TC_REALWORLD_DIR) / relative;
+    if (!fs::is_directory(root)) return false;
+    for (const auto& e : fs::recursive_directory_iterator(root)) {
+      if (!e.is_regular_file()) continue;
+      const std::string rel = fs::relative(e.path(), root).generic_string();
+      String windows = FromUtf8(rel);
+      std::replace(windows.begin(), windows.end(), u'/', u'\\');
+      File(folder + windows, test::RealFile(relative + "/" + rel));
+    }
+    return true;
+  }
   StringList Names(const String& key) { return mem.Registry->ValueNames(HKEY_CURRENT_USER, key); }
 
   // Every key and value of both user and machine hives, as "root\key" and
@@ -198,25 +185,5 @@ class AppPluginFixture : public ::testing::Test {
   }
   bool started_ = false;
 };
-
-// Checks a unit's plug-ins on a bare machine against its catalogue: creation order, section,
-// captions, icon and a description; only those in `active` are switched on.
-inline void ExpectCatalogue(const std::vector<CatalogueRow>& rows, const String& section,
-                            const StringList& active) {
-  StringList ids;
-  for (const auto& r : rows) ids.push_back(r.ID);
-  EXPECT_EQ(AppPluginFixture::OrderOf(ids), ids) << "creation order";
-  for (const auto& r : rows) {
-    SCOPED_TRACE(ToUtf8(r.ID));
-    TTCPlugin* p = nullptr;
-    ASSERT_TRUE(GetPluginByID(r.ID, p));
-    EXPECT_EQ(p->Section, section);
-    EXPECT_EQ(p->AppCaption, String(r.AppCaption));
-    EXPECT_EQ(p->Caption, String(r.Caption));
-    EXPECT_EQ(p->IconFile, FileNameByID(r.Icon, 27));
-    EXPECT_FALSE(p->Description.empty());
-    EXPECT_EQ(p->Active, std::find(active.begin(), active.end(), r.ID) != active.end());
-  }
-}
 
 }  // namespace tc

@@ -22,32 +22,6 @@ class FileSharingTest : public AppPluginFixture {
   }
 };
 
-TEST_F(FileSharingTest, CatalogueInStartupOrder) {
-  Start();
-  ExpectCatalogue(
-      {{u"AzureusStatistics", u"Azureus", u"Download- und Upload-Statistik", 8000},
-       {u"EMuleDownloadMRU", u"eMule", u"Liste der zuletzt heruntergeladenen Dateien", 8002},
-       {u"EMuleSearchMRU", u"eMule", u"Liste der zuletzt eingegebenen Suchbegriffe", 8002},
-       {u"EMuleStatistics", u"eMule", u"Download- und Upload-Statistik", 8002},
-       {u"EDonkey2000DownloadMRU", u"eDonkey2000", u"Liste der zuletzt heruntergeladenen Dateien", 8005},
-       {u"KazaaSearchMRU", u"Kazaa", u"Liste der zuletzt eingegebenen Suchbegriffe", 8003},
-       {u"KazaaDownloadDB", u"Kazaa", u"Informationen über heruntergeladene Dateien", 8003},
-       {u"KazaaPlaylists", u"Kazaa", u"Wiedergabelisten", 8003},
-       {u"KazaaLiteDownloadDB", u"Kazaa Lite", u"Informationen über heruntergeladene Dateien", 8003},
-       {u"AresSearchlist", u"Ares", u"Liste der zuletzt verwendeten Suchbegriffe", 8006},
-       {u"BitTorrentHistory", u"BitTorrent++", u"Liste der zuletzt eingegebenen Begriffe", 8001},
-       {u"WinMXLogfiles", u"WinMX", u"Protokoll der durchgeführten Aktionen", 8004},
-       // The two WarezP2P captions stand crossed over on purpose.
-       {u"WarezP2PSearchlist", u"WarezP2P 2", u"Liste der zuletzt heruntergeladenen Dateien", 8007},
-       {u"WarezP2PVerlauf", u"WarezP2P 2", u"Liste der zuletzt eingegebenen Suchbegriffe", 8007}},
-      rsTCPSection_FileSharing, {});
-  // The units start in their fixed order: Office, players, archivers, file sharing.
-  EXPECT_EQ(OrderOf({u"EMuleDownloadMRU", u"MSOfficeWord", u"WinRARRecentArchives",
-                     u"QuickTimeRecentMovies"}),
-            (StringList{u"MSOfficeWord", u"QuickTimeRecentMovies", u"WinRARRecentArchives",
-                        u"EMuleDownloadMRU"}));
-}
-
 TEST_F(FileSharingTest, ClientFoldersAreFound) {
   const String ed2k = u"Software\\Classes\\ed2k\\shell\\open\\command";
   struct Value {

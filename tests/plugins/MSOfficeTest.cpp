@@ -13,24 +13,6 @@ class MSOfficeTest : public AppPluginFixture {
   String RecentFolder(const String& name) { return kAppData + u"Microsoft\\Office\\" + name + u"\\"; }
 };
 
-TEST_F(MSOfficeTest, CatalogueOnAMachineWithoutOffice) {
-  Start();
-  ExpectCatalogue(
-      {{u"MSOfficeRecentResources", u"Microsoft Office",
-        u"Verknüpfungen auf zuletzt verwendete Ordner und Ressourcen", 2000},
-       {u"MSOfficeAccess", u"Microsoft Office Access", u"Liste der zuletzt verwendeten Datenbanken", 2002},
-       {u"MSOfficeExcel", u"Microsoft Office Excel", u"Liste der zuletzt verwendeten Arbeitsmappen", 2004},
-       {u"MSOfficePowerPoint", u"Microsoft Office PowerPoint",
-        u"Liste der zuletzt verwendeten Präsentationen", 2005},
-       {u"MSOfficeWord", u"Microsoft Office Word", u"Liste der zuletzt verwendeten Dokumente", 2003},
-       {u"MSOfficeImaging", u"Microsoft Office Imaging",
-        u"Office Document Imaging: Liste der zuletzt verwendeten Bilder", 2000},
-       {u"OutlookAutoFill", u"Microsoft Office Outlook", u"Liste der eingegebenen E-Mail-Adressen", 2001},
-       {u"OutlookSecurityGlyphs", u"Microsoft Office Outlook", u"Temporäre Grafiken aus E-Mail-Anhängen", 2001},
-       {u"OutlookSecurityFiles", u"Microsoft Office Outlook", u"Temporäre Dateien aus E-Mail-Anhängen", 2001}},
-      rsTCPSection_Office, {u"MSOfficeAccess", u"MSOfficeExcel", u"MSOfficePowerPoint"});
-}
-
 TEST_F(MSOfficeTest, RecentFolderComesFromTheFirstOf14_11_10_9AndNever12) {
   const struct {
     std::vector<std::pair<const char16_t*, const char16_t*>> values;  // version, RecentFiles

@@ -9,20 +9,6 @@ const String kWinamp = u"C:\\Program Files\\Winamp\\";
 
 class PlayerTest : public AppPluginFixture {};
 
-TEST_F(PlayerTest, Catalogue) {
-  Start();
-  ExpectCatalogue(
-      {{u"QuickTimeRecentMovies", u"QuickTime", u"Liste der zuletzt abgespielte Videos", 3000},
-       {u"RealPlayerRecentFiles", u"RealPlayer",
-        u"Liste der zuletzt abgespielten Medien und gespeicherte Cookies", 3002},
-       {u"WinampRecentURLs", u"Winamp", u"Liste der zuletzt abgespielten Radio- und Videostreams", 3001},
-       {u"WinampDefaultPlaylist", u"Winamp", u"Standard-Wiedergabeliste", 3001},
-       {u"WinampRecentFolder", u"Winamp", u"Zuletzt verwendeter Ordner", 3001},
-       {u"WMPlayerRecentFiles", u"Windows Media Player", u"Liste der zuletzt geöffneten Medien", 3003}},
-      rsTCPSection_Player,
-      {u"QuickTimeRecentMovies", u"RealPlayerRecentFiles", u"WMPlayerRecentFiles"});
-}
-
 TEST_F(PlayerTest, WinampFolderNeedsItsIniFile) {
   const struct {
     const char16_t* configured;  // default value of Software\Winamp

@@ -14,23 +14,6 @@ const String kMovieMaker = u"Software\\Microsoft\\MM20\\Recent Document List";
 
 class WindowsToolsTest : public AppPluginFixture {};
 
-TEST_F(WindowsToolsTest, CatalogueInStartupOrder) {
-  Start();
-  ExpectCatalogue(
-      {{u"WordPad", u"Microsoft WordPad", u"Liste der zuletzt verwendeten Dokumente", 6000},
-       {u"MSPaint", u"Microsoft Paint", u"Liste der zuletzt verwendeten Grafiken", 6001},
-       {u"Regedit", u"Registrierungs-Editor", u"Zuletzt geöffneter Schlüssel", 6002},
-       {u"TermSrvClient", u"Remotedesktopverbindung", u"Liste der zuletzt verbundenen Computer",
-        6003},
-       {u"MovieMakerMRU", u"Windows Movie Maker", u"Liste der zuletzt geöffneten Projekte",
-        6004}},
-      rsTCPSection_WindowsTools,
-      {u"WordPad", u"MSPaint", u"Regedit", u"TermSrvClient", u"MovieMakerMRU"});
-  // The Movie Maker text ends without a full stop.
-  const String& mm = Plugin(u"MovieMakerMRU").Description;
-  EXPECT_EQ(mm.substr(mm.size() - 21), u"Movie Maker Projekten");
-}
-
 TEST_F(WindowsToolsTest, TracesFoundReportedAndCleaned) {
   struct Case {
     const char16_t* id;
@@ -76,27 +59,6 @@ TEST_F(WindowsToolsTest, TracesFoundReportedAndCleaned) {
     // Only values of the list's own key went.
     EXPECT_TRUE(gained.empty());
     for (const auto& line : lost) EXPECT_EQ(line.rfind(u"HKCU\\" + c.key + u"[", 0), 0u) << ToUtf8(line);
-  }
-}
-
-// Movie Maker's start-up test asks about HKEY_CURRENT_USER itself, not its own list key:
-// the answer for the root decides, whether or not the list exists.
-TEST_F(WindowsToolsTest, MovieMakerActiveFollowsTheRootNotItsKey) {
-  struct Case {
-    bool listPresent;
-    bool rootAnswers;
-    bool active;
-  } cases[] = {{false, true, true}, {true, false, false}, {true, true, true}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::to_string(c.listPresent) + "/" + std::to_string(c.rootAnswers));
-    Reset();
-    if (c.listPresent) Str(HKEY_CURRENT_USER, kMovieMaker, u"Document1", u"x");
-    auto reg = Spy();
-    if (!c.rootAnswers) reg->missingRoot = HKEY_CURRENT_USER;
-    Start();
-    EXPECT_EQ(Plugin(u"MovieMakerMRU").Active, c.active);
-    EXPECT_NE(std::find(reg->asked.begin(), reg->asked.end(), u""), reg->asked.end());
-    EXPECT_EQ(std::find(reg->asked.begin(), reg->asked.end(), kMovieMaker), reg->asked.end());
   }
 }
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Platform.h"
-#include "platform/TextCodec.h"
+#include "platform/helpers/TextCodec.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Win32Text.h"
 #include "tests/win32/LiveSystemLock.h"
@@ -12,12 +12,6 @@
 #include <windows.h>
 
 namespace tc {
-
-inline Bytes Utf16Z(std::u16string_view s) {
-  Bytes b = ToUtf16LE(s);
-  b.insert(b.end(), {0, 0});
-  return b;
-}
 
 class LiveTest : public ::testing::Test {
  protected:
@@ -42,11 +36,6 @@ class LiveTest : public ::testing::Test {
 
   IRegistry& Reg() { return *platform_->Registry; }
   IFileSystem& Files() { return *platform_->Files; }
-
-  void SetString(const String& name, std::u16string_view data, uint32_t type = REG_SZ) {
-    ASSERT_EQ(0u, Reg().SetValue(kHKEY_CURRENT_USER, key_, name, {type, Utf16Z(data)},
-                                 RegView::Default));
-  }
 
   String WriteFile(const String& name, std::string_view content) {
     const String path = folder_ + u"\\" + name;

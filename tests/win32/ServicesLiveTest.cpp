@@ -1,6 +1,5 @@
 // The smaller services against the live system: timers, event logs, recycle bin, shell
-// folders, Protected Storage, URL history and product settings.
-#include "platform/RegistryProductSettings.h"
+// folders and Protected Storage.
 #include "platform/win32/Win32ProtectedStorage.h"
 #include "LiveFixture.h"  // last: it brings <windows.h>
 
@@ -25,19 +24,6 @@ TEST_F(ServicesLive, TimersFireOnlyFromTheMessageLoopOncePerCall) {
   ui.ProcessMessages();
   EXPECT_EQ(1, fired);
   ui.KillTimer(12345);  // unknown: nothing happens
-}
-
-TEST_F(ServicesLive, EventLogsStartWithApplicationSecuritySystem) {
-  IEventLogs& logs = *platform_->EventLogs;
-  StringList names;
-  ASSERT_EQ(0u, logs.ListLogs(names));
-  ASSERT_GE(names.size(), 3u);
-  EXPECT_EQ((StringList{u"Application", u"Security", u"System"}),
-            StringList(names.begin(), names.begin() + 3));
-  uint32_t count = 99;
-  EXPECT_EQ(0u, logs.CountRecords(u"Application", count));
-  EXPECT_EQ(uint32_t{ERROR_FILE_NOT_FOUND}, logs.CountRecords(u"NoSuchLog", count));
-  EXPECT_EQ(uint32_t{ERROR_FILE_NOT_FOUND}, logs.ClearLog(u"NoSuchLog"));
 }
 
 TEST_F(ServicesLive, RecycleBinIsCountedAndEmptiedSilently) {
@@ -82,18 +68,6 @@ TEST_F(ServicesLive, ProtectedStorageWithoutLibraryOrEntryPointFailsToOpen) {
   // The system's own store may exist or not; either way it answers without failing hard.
   IProtectedStorage& store = *platform_->ProtectedStorage;
   if (store.Open() == ERROR_SUCCESS) store.EnumItems(type, type, names);
-}
-
-TEST_F(ServicesLive, ProductSettingsLiveInTheProductsKey) {
-  IProductSettings& settings = *platform_->ProductSettings;
-  const String host = u"live-" + key_.substr(key_.rfind(u'\\') + 1) + u".test";
-  EXPECT_TRUE(settings.ReadBool(u"Cookies\\IE", host, true));
-  ASSERT_EQ(0u, settings.WriteBool(u"Cookies\\IE", host, false));
-  EXPECT_FALSE(settings.ReadBool(u"Cookies\\IE", host, true));
-  const String key = String(RegistryProductSettings::kDefaultKey) + u"\\Cookies\\IE";
-  RegValue v;
-  EXPECT_EQ(0u, Reg().QueryValue(kHKEY_CURRENT_USER, key, host, v, RegView::Default));
-  Reg().DeleteValue(kHKEY_CURRENT_USER, key, host, RegView::Default);
 }
 
 }  // namespace

@@ -1,0 +1,107 @@
+// The command's pieces that need no image: keep-list commands over a provider of the test's
+// own, readable names, plug-in patterns.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "engine/CookieKeepLists.h"
+#include "host/CookieCommands.h"
+#include "host/PluginChoice.h"
+#include "host/Readable.h"
+
+namespace tc::host {
+namespace {
+
+class FakeKeepList : public ICookieKeepList {
+ public:
+  String Browser() const override { return u"fake"; }
+  String Caption() const override { return u"Fake Browser"; }
+  bool HonoursKeepList(String& why) const override {
+    why = honours ? u"" : u"its clean empties the file";
+    return honours;
+  }
+  bool Hosts(std::vector<TCookieHostInfo>& hosts, String&) override {
+    hosts = {{u"a.example", u"", 2, kept.count(u"a.example") > 0},
+             {u"b.example", u"", 1, kept.count(u"b.example") > 0}};
+    return true;
+  }
+  uint32_t SetKept(const String& host, bool keep) override {
+    if (keep) kept.insert(host);
+    else kept.erase(host);
+    return ERROR_SUCCESS;
+  }
+  bool honours = true;
+  std::set<String> kept;
+};
+
+class CookieCommandsTest : public ::testing::Test {
+ protected:
+  void SetUp() override { RegisterCookieKeepList(&fake); }
+  void TearDown() override { UnregisterCookieKeepList(&fake); }
+  ExitCode Run(Command what, std::vector<std::string> hosts, std::string browser = "fake") {
+    Options o;
+    o.What = what;
+    o.Json = true;
+    o.Browser = std::move(browser);
+    o.Hosts = std::move(hosts);
+    std::ostringstream text;
+    error.clear();
+    ExitCode code = RunCookieCommand(o, "source", [&](std::string&) { return ++flushes, true; },
+                                     text, error);
+    doc = nlohmann::json::parse(text.str().empty() ? "null" : text.str());
+    return code;
+  }
+  FakeKeepList fake;
+  nlohmann::json doc;
+  std::string error;
+  int flushes = 0;
+};
+
+TEST_F(CookieCommandsTest, KeepAndUnkeepWriteThroughTheProviderAndAreListed) {
+  EXPECT_EQ(kExitDone, Run(Command::Keep, {"a.example", "c.example"}));
+  EXPECT_EQ(1, flushes);
+  EXPECT_EQ(false, doc["hosts"][1]["hasCookies"]);
+  EXPECT_EQ(kExitDone, Run(Command::Cookies, {}));
+  const auto& hosts = doc["browsers"][0]["hosts"];
+  EXPECT_EQ(true, hosts[0]["kept"]);
+  EXPECT_EQ(2, hosts[0]["count"]);
+  EXPECT_EQ(false, hosts[1]["kept"]);
+  EXPECT_EQ(kExitDone, Run(Command::Unkeep, {"a.example"}));
+  EXPECT_TRUE(fake.kept.count(u"c.example") && !fake.kept.count(u"a.example"));
+}
+
+TEST_F(CookieCommandsTest, AKeepListTheCleanIgnoresRefusesAndWritesNothing) {
+  fake.honours = false;
+  EXPECT_EQ(kExitUsage, Run(Command::Keep, {"a.example"}));
+  EXPECT_NE(doc["refused"].get<std::string>().find("empties the file"), std::string::npos);
+  EXPECT_TRUE(fake.kept.empty());
+  EXPECT_EQ(0, flushes);
+  EXPECT_EQ(kExitUsage, Run(Command::Keep, {"a.example"}, "lynx"));
+  EXPECT_NE(error.find("fake"), std::string::npos) << "names the browsers there are: " << error;
+}
+
+TEST(ReadableTest, DifferentNamesNeverPrintAlike) {
+  const std::pair<String, std::string> cases[] = {
+      {u"Kündigung.rtf", "Kündigung.rtf"},
+      {String(u"a") + char16_t(0xDCFF), "a\\x{FF}"},        // a byte that was not UTF-8
+      {String(u"a") + char16_t(0xD800) + u"b", "a\\u{D800}b"},  // a lone UTF-16 surrogate
+      {u"line\nbreak", "line\\x{0A}break"},
+      {u"C:\\x{FF}", "C:\\\\x{FF}"},                         // the escape's own spelling
+      {u"C:\\Users\\x.txt", "C:\\Users\\x.txt"}};
+  for (const auto& [name, shown] : cases) EXPECT_EQ(shown, Readable(name));
+  EXPECT_EQ(u"UEME_RUNPATH:C:\\x.exe", PreviewValueName(TTT_UserAssist, u"HRZR_EHACNGU:P:\\k.rkr"));
+  EXPECT_EQ(u"cmd", PreviewData(TTT_RunCMD, u"cmd\\1"));
+}
+
+TEST(PluginChoiceTest, PatternsMatchInAnyCase) {
+  const std::tuple<const char16_t*, const char16_t*, bool> cases[] = {
+      {u"FirefoxCookies", u"firefox*", true}, {u"FirefoxCookies", u"*Cookies", true},
+      {u"IECookies", u"Firefox*", false},     {u"WordPad", u"w?rdpad", true},
+      {u"WordPad", u"WordPa", false},         {u"WinRARRecentFolders", u"*rar*folders", true}};
+  for (const auto& [id, pattern, want] : cases)
+    EXPECT_EQ(want, MatchesPattern(id, pattern));
+}
+
+}  // namespace
+}  // namespace tc::host

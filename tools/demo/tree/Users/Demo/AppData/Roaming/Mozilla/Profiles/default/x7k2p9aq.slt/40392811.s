@@ -1,0 +1,9 @@
+#2c
+nie.auktion-beispiel.de
+.
+https://www.auktion-beispiel.de
+userid
+~ZGVtbw==
+*pass
+~VmVyc3RlaWdlcnVuZzc=
+.

@@ -1,0 +1,1 @@
+# Mozilla User Preferences
