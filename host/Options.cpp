@@ -103,7 +103,9 @@ std::string Validate(CLI::App& app, Options& o, Raw& raw) {
     if (o.Browser.empty()) return raw.command + " needs --browser";
   }
   o.Hosts = raw.rest;
+#ifndef _WIN32
   o.ImageGiven = app.count("--image") > 0;
+#endif  // the live system has no --image: asking the parser for it would throw
   if (o.ImageGiven && o.Image.empty()) return "--image needs a folder";
   std::set<char> letters;
   for (const auto& d : raw.drives) {
@@ -167,7 +169,12 @@ ParseResult ParseOptions(int argc, const char* const* argv, Options& options,
     message = VersionText() + "\n";
     return ParseResult::Exit0;
   }
-  std::string why = Validate(app, options, raw);
+  std::string why;
+  try {
+    why = Validate(app, options, raw);
+  } catch (const CLI::Error& e) {  // a question about an option this build lacks
+    why = e.what();
+  }
   if (why.empty()) return ParseResult::Run;
   message = "tracecleaner: " + why + kSeeHelp;
   return ParseResult::UsageError;
