@@ -1,5 +1,6 @@
 // Hive files: any bytes are refused with a reason or open and enumerate without crashing.
 // Seeds: realworld/hives/*
+// Options: -max_len=65536
 #include <unistd.h>
 
 #include <cstddef>

@@ -7,7 +7,8 @@
 # Seeds: a target's source names them in lines "// Seeds: PATTERN..." (find -path patterns
 # relative to the repository, whose '*' also crosses folders; realworld/ is
 # ../shared/realworld/); without such a line every real-world file seeds it. Files of
-# 1 MiB and more are left out. The corpus grows in build-fuzz/corpus/<target>/ from run to run;
+# 1 MiB and more are left out. A line "// Options: -max_len=N ..." adds libFuzzer options for
+# that target. The corpus grows in build-fuzz/corpus/<target>/ from run to run;
 # a crash, leak or time-out leaves its input in build-fuzz/artifacts/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -44,13 +45,15 @@ seed() {  # seed TARGET CORPUS: copies the target's seed files into its corpus
 
 mkdir -p "$build/artifacts"
 run_target() {  # run_target TARGET: fuzzes it and leaves its table row in $build/TARGET.row
-  local target=$1 corpus=$build/corpus/$1 log=$build/$1.log seeds code execs speed cov ft found what
+  local target=$1 corpus=$build/corpus/$1 log=$build/$1.log seeds code execs speed cov ft found what opts
   mkdir -p "$corpus"
   seed "$target" "$corpus"
   seeds=$(find "$corpus" -type f | wc -l)
+  opts=$(sed -n 's|^// Options: ||p' "fuzz/$target.cpp")
   echo "== $target: ${seconds}s from $seeds inputs"
   set +e
-  ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$root/fuzz/lsan.supp "$build/fuzz/$target" "$corpus" -max_total_time="$seconds" \
+  # shellcheck disable=SC2086
+  ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$root/fuzz/lsan.supp "$build/fuzz/$target" "$corpus" $opts -max_total_time="$seconds" \
     -runs="$((runs > 0 ? runs : -1))" -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
     -artifact_prefix="$build/artifacts/$target-" >"$log" 2>&1
   code=$?
