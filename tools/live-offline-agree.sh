@@ -21,8 +21,9 @@ done
 
 offline() { "$native/host/tracecleaner" "$@" --image "$work/image" </dev/null || true; }
 live() { tools/wine-run.sh "$win" "$win/host/tracecleaner.exe" "$@" || true; }
-# Drops what names the system (first text line, the JSON "source" member) and CRs.
-same() { tr -d '\r' | grep -v '^  "source": ' | tail -n +2; }
+# Drops what names the system (first text line, the JSON "source" and "offline" members)
+# and CRs.
+same() { tr -d '\r' | grep -v -e '^  "source": ' -e '^  "offline": ' | tail -n +2; }
 
 passed=0 failed=0
 for command in "list" "list --json" "scan --traces --plugins $plugins" \
