@@ -34,8 +34,10 @@ int64_t TMozillaBrowser::GetCacheSize() {
   return size;
 }
 
-int TMozillaBrowser::GetCacheFileCount() {
-  return static_cast<int>(CacheEntries(GetCachefileDirectory()).size());
+int TMozillaBrowser::GetCacheFileCount() { return static_cast<int>(GetCacheEntries().size()); }
+
+std::vector<FileInfo> TMozillaBrowser::GetCacheEntries() {
+  return CacheEntries(GetCachefileDirectory());
 }
 
 bool TMozillaBrowser::DeleteCache(StringList& Failed) {

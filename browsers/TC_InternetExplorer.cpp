@@ -51,7 +51,8 @@ bool CookieCanBeDeleted(const String& Url) {
   return GetProductRegSetting(kIECookieSection, host, true, 0);
 }
 
-int EnumIECacheFiles(bool CookiesOnly, bool DeleteEntries, bool CountKept) {
+int EnumIECacheFiles(bool CookiesOnly, bool DeleteEntries, bool CountKept,
+                     const std::function<void(const UrlCacheEntry&)>& Counted) {
   IUrlCache& cache = *Services().UrlCache;
   StringList files;
   int kept = 0;
@@ -63,10 +64,12 @@ int EnumIECacheFiles(bool CookiesOnly, bool DeleteEntries, bool CountKept) {
     if (CookiesOnly && IsCookieEntry(e)) {
       if (Collector) Collector->push_back(e.SourceUrlName);
       files.push_back(e.LocalFileName);
+      if (Counted) Counted(e);
       if (DeleteEntries && CookieCanBeDeleted(e.SourceUrlName)) cache.DeleteEntry(e.SourceUrlName);
       else ++kept;
     } else if (!CookiesOnly && !IsCookieEntry(e)) {
       files.push_back(e.LocalFileName);
+      if (Counted) Counted(e);
       if (DeleteEntries) cache.DeleteEntry(e.SourceUrlName);
     }
     rc = WithGrowingBuffer(size, [&] { return find->Next(e, size); });

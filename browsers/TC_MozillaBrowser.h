@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/FileSystem.h"
 #include "platform/WinTypes.h"
 #include "platform/helpers/Orvishredderclass.h"
 
@@ -90,6 +91,8 @@ class TMozillaBrowser {
   String GetCachefileDirectory();
   int64_t GetCacheSize();
   int GetCacheFileCount();
+  // Every entry of the cache folder, sub-folders included (they are counted, never removed).
+  std::vector<FileInfo> GetCacheEntries();
   bool DeleteCache(StringList& Failed);
 
   // History ("history.dat").

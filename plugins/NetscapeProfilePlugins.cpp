@@ -5,6 +5,7 @@
 #include "platform/helpers/Orvihelper.h"
 #include "platform/helpers/Orviregistry.h"
 #include "platform/helpers/Stringhelper.h"
+#include "plugins/MozillaPreviews.h"
 #include "plugins/TCP_Firefox.h"
 
 namespace tc {
@@ -29,7 +30,8 @@ TMozillaBrowser TNetscapeProfilePlugin::Profile() const {
 
 void TNetscapeCachePlugin::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(Profile().GetCacheFileCount());
+  TMozillaBrowser b = Profile();
+  IncTraceCount(CountCacheFiles(*this, b));
 }
 
 void TNetscapeCachePlugin::Clean() {
@@ -57,6 +59,7 @@ void TNetscapeCookiesPlugin::Scan() {
   if (!b.EnumCookies() && !b.CookieError().empty())
     AddNote(*this, b.ProfileFolder() + u"cookies.txt: " + b.CookieError());
   if (!b.Cookies.empty()) AddNote(*this, u"a clean keeps every cookie");
+  PreviewCookies(*this, b);
   IncTraceCount(static_cast<int>(b.Cookies.size()));
 }
 
@@ -79,6 +82,7 @@ void TNetscapeHistoryPlugin::Scan() {
   TTCPlugin::Scan();
   TMozillaBrowser b = Profile();
   b.EnumHistory();
+  PreviewHistory(*this, b);
   IncTraceCount(static_cast<int>(b.History.size()));
 }
 
@@ -96,6 +100,7 @@ void TNetscapeFormdataPlugin::Scan() {
   TTCPlugin::Scan();
   TMozillaBrowser b = Profile();
   b.EnumFormData();
+  PreviewFormData(*this, b);
   IncTraceCount(static_cast<int>(b.FormData.size()));
 }
 
@@ -110,6 +115,7 @@ void TNetscapePasswordsPlugin::Scan() {
   TMozillaBrowser b = Profile();
   if (!b.EnumSavedPasswords() && !b.PasswordError().empty())
     AddNote(*this, b.ProfileFolder() + b.SavedPasswordsFileName() + u": " + b.PasswordError());
+  PreviewSavedPasswords(*this, b);
   IncTraceCount(static_cast<int>(b.SavedPasswords.size()));
 }
 

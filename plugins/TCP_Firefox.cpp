@@ -6,6 +6,7 @@
 #include "platform/helpers/Stringhelper.h"
 #include "plugins/FirefoxModernStores.h"
 #include "plugins/MozillaCookieKeepList.h"
+#include "plugins/MozillaPreviews.h"
 
 namespace tc {
 
@@ -23,6 +24,7 @@ class TCookiesTxtStore : public TFirefoxStore {
   int Scan(TMozillaBrowser& p, TTCPlugin& plugin) override {
     if (!p.EnumCookies() && !p.CookieError().empty())
       AddNote(plugin, p.ProfileFolder() + u"cookies.txt: " + p.CookieError());
+    PreviewCookies(plugin, p);
     return static_cast<int>(p.Cookies.size());
   }
   void Clean(TMozillaBrowser& p, TTCPlugin&) override { p.UpdateCookies(); }
@@ -31,8 +33,10 @@ class TCookiesTxtStore : public TFirefoxStore {
 // "history.dat", a Mork table; only a profile whose last scan found rows is cleaned.
 class TMorkHistoryStore : public TFirefoxStore {
  public:
-  int Scan(TMozillaBrowser& p, TTCPlugin&) override {
-    return p.EnumHistory() ? static_cast<int>(p.History.size()) : 0;
+  int Scan(TMozillaBrowser& p, TTCPlugin& plugin) override {
+    if (!p.EnumHistory()) return 0;
+    PreviewHistory(plugin, p);
+    return static_cast<int>(p.History.size());
   }
   void Clean(TMozillaBrowser& p, TTCPlugin&) override {
     if (!p.History.empty()) p.DeleteHistory();
@@ -42,8 +46,10 @@ class TMorkHistoryStore : public TFirefoxStore {
 // "formhistory.dat", a Mork table.
 class TMorkFormHistoryStore : public TFirefoxStore {
  public:
-  int Scan(TMozillaBrowser& p, TTCPlugin&) override {
-    return p.EnumFormData() ? static_cast<int>(p.FormData.size()) : 0;
+  int Scan(TMozillaBrowser& p, TTCPlugin& plugin) override {
+    if (!p.EnumFormData()) return 0;
+    PreviewFormData(plugin, p);
+    return static_cast<int>(p.FormData.size());
   }
   void Clean(TMozillaBrowser& p, TTCPlugin&) override {
     if (!p.FormData.empty()) p.DeleteFormData();
@@ -60,6 +66,7 @@ class TSignonsTxtStore : public TFirefoxStore {
       return 0;
     }
     if (!p.SavedPasswords.empty()) AddNote(plugin, u"a clean writes signons.txt back whole");
+    PreviewSavedPasswords(plugin, p);
     return static_cast<int>(p.SavedPasswords.size());
   }
   void Clean(TMozillaBrowser& p, TTCPlugin& plugin) override {

@@ -55,6 +55,9 @@ void DeleteFormDataItems(const StringList& names, bool logins) {
       Services().ProtectedStorage->DeleteItem(kFormDataType, kFormDataType, name);
 }
 
+// Protected Storage items have no file: the preview names them by store and item.
+String StoreItem(const String& name) { return u"Protected Storage\\" + name; }
+
 // The hosts with Internet Explorer cookies, for the host's keep-list commands.
 class IECookieKeepList : public ICookieKeepList {
  public:
@@ -119,9 +122,18 @@ TTCPIECookies::TTCPIECookies() : TTCPlugin(u"TTCPIECookies") {
            u"besucht haben.<br><a href=\"CookieIE\">Cookies auswählen...</a>");
 }
 
+void PreviewCacheEntry(TTCPlugin& Plugin, const UrlCacheEntry& Entry) {
+  if (Entry.LocalFileName.empty())  // a redirect or visit record: an address without a file
+    Plugin.PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, Entry.SourceUrlName}, TTT_URL, 0, {});
+  else
+    Plugin.PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, Entry.LocalFileName}, TTT_URL,
+                        0, Entry.SourceUrlName, static_cast<int64_t>(Entry.Size));
+}
+
 void TTCPIECookies::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(EnumIECacheFiles(true, false, false));
+  IncTraceCount(
+      EnumIECacheFiles(true, false, false, [this](auto& e) { PreviewCacheEntry(*this, e); }));
 }
 
 void TTCPIECookies::Clean() {
@@ -142,7 +154,11 @@ void TTCPIEHistory::Scan() {
   TUrlHistory history;
   int count = history.Enumerate();
   for (int i = 0; i < count; ++i)
-    if (history.Items[i].Kind == 2 || history.Items[i].Kind == 3) IncTraceCount(1);
+    if (history.Items[i].Kind == 2 || history.Items[i].Kind == 3) {
+      IncTraceCount(1);
+      PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, history.Items[i].Url}, TTT_URL, 0,
+                   history.Items[i].Title);
+    }
 }
 
 void TTCPIEHistory::Clean() {
@@ -169,8 +185,11 @@ void TTCPIEAutoComplete::Scan() {
     if (!IsStringData(name) || IsLoginItem(name)) continue;
     Bytes data;
     if (Services().ProtectedStorage->ReadItem(kFormDataType, kFormDataType, name, data) ==
-        ERROR_SUCCESS)
-      IncTraceCount(CountAutoCompleteFields(data));
+        ERROR_SUCCESS) {
+      const int fields = CountAutoCompleteFields(data);
+      IncTraceCount(fields);
+      PreviewEntries(StoreItem(name), fields);
+    }
   }
 }
 
@@ -194,12 +213,17 @@ void TTCPIESavedPasswords::Scan() {
   for (const String& name : names) {
     Bytes data;
     if (Services().ProtectedStorage->ReadItem(kOldLoginType, kOldLoginSubtype, name, data) ==
-        ERROR_SUCCESS)
+        ERROR_SUCCESS) {
       IncTraceCount(1);
+      PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, StoreItem(name)}, TTT_Unknown, 0, {});
+    }
   }
   if (!ListItems(*this, kFormDataType, kFormDataType, names)) return;
   for (const String& name : names)
-    if (IsStringData(name) && IsLoginItem(name)) IncTraceCount(1);
+    if (IsStringData(name) && IsLoginItem(name)) {
+      IncTraceCount(1);
+      PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, StoreItem(name)}, TTT_Unknown, 0, {});
+    }
 }
 
 void TTCPIESavedPasswords::Clean() {
@@ -220,7 +244,8 @@ TTCPIETempInternetFiles::TTCPIETempInternetFiles() : TTCPlugin(u"TTCPIETempInter
 
 void TTCPIETempInternetFiles::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(EnumIECacheFiles(false, false, false));
+  IncTraceCount(
+      EnumIECacheFiles(false, false, false, [this](auto& e) { PreviewCacheEntry(*this, e); }));
 }
 
 void TTCPIETempInternetFiles::Clean() {

@@ -2,8 +2,12 @@
 // passwords in Protected Storage, temporary internet files.
 #pragma once
 #include "engine/TC_BasePlugin.h"
+#include "platform/UrlCache.h"
 
 namespace tc {
+
+// Previews a URL cache entry a scan counts: its local file, its address and its size.
+void PreviewCacheEntry(TTCPlugin& Plugin, const UrlCacheEntry& Entry);
 
 // The numbered "url" values of "TypedURLs".
 class TTCPIETypedURLs : public TTCPlugin {

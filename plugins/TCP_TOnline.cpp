@@ -3,6 +3,7 @@
 #include "browsers/TC_BrowserFuncs.h"
 #include "browsers/TC_InternetExplorer.h"
 #include "engine/TC_Common.h"
+#include "plugins/TCP_InternetExplorer.h"
 
 namespace tc {
 
@@ -24,7 +25,8 @@ TTCPTOnlineCache::TTCPTOnlineCache() : TTCPlugin(u"TTCPTOnlineCache") {
 
 void TTCPTOnlineCache::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(EnumIECacheFiles(false, false, false));
+  IncTraceCount(
+      EnumIECacheFiles(false, false, false, [this](auto& e) { PreviewCacheEntry(*this, e); }));
 }
 
 void TTCPTOnlineCache::Clean() {
@@ -42,7 +44,8 @@ TTCPTOnlineCookies::TTCPTOnlineCookies() : TTCPlugin(u"TTCPTOnlineCookies") {
 
 void TTCPTOnlineCookies::Scan() {
   TTCPlugin::Scan();
-  IncTraceCount(EnumIECacheFiles(true, false, false));
+  IncTraceCount(
+      EnumIECacheFiles(true, false, false, [this](auto& e) { PreviewCacheEntry(*this, e); }));
 }
 
 void TTCPTOnlineCookies::Clean() {

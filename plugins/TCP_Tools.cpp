@@ -119,7 +119,12 @@ StringList FilledIniKeys(const String& section, const String& key, bool& present
 
 void ScanIni(TTCPlugin& p, const String& section, const String& key) {
   bool present = false;
-  p.IncTraceCount(static_cast<int>(FilledIniKeys(section, key, present).size()));
+  const StringList filled = FilledIniKeys(section, key, present);
+  p.IncTraceCount(static_cast<int>(filled.size()));
+  for (const String& k : filled)
+    p.PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, IrfanViewIni()}, TTT_FileName, 0,
+                   u"[" + section + u"] " + k + u"=" +
+                       Services().IniFiles->ReadString(IrfanViewIni(), section, k, u""));
   SwitchOffIfAbsent(p, present);
 }
 
@@ -163,6 +168,9 @@ int CountLogLines(const String& fileName) {
 void ScanLog(TTCPlugin& p, const String& file) {
   int lines = CountLogLines(file);
   if (lines > 0) p.IncTraceCount(lines);
+  FileInfo info;
+  if (lines > 0 && p.OnPreviewTrace && Services().Files->GetInfo(file, info) == ERROR_SUCCESS)
+    p.PreviewEntries(file, lines, static_cast<int64_t>(info.Size));
   SwitchOffIfAbsent(p, lines >= 0);
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "CommandSupport.h"
+#include "tests/support/RealWorld.h"
 
 namespace fs = std::filesystem;
 using nlohmann::json;
@@ -76,6 +77,7 @@ TEST(CommandTest, ScanAndCleanAGeneratedImage) {
 }
 
 TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
+  TC_SKIP_WITHOUT_REALWORLD();
   if (!test::HaveTool("reglookup")) GTEST_SKIP() << "reglookup is not installed";
   TempDir dir;
   fs::path image = dir.Path() / "image";
@@ -135,6 +137,7 @@ TEST(CommandTest, CleanTheRealWindows10HiveKeepsEverythingThatIsNoTrace) {
 }
 
 TEST(CommandTest, RefusedHivesExitWithCode2AndStayAsTheyWere) {
+  TC_SKIP_WITHOUT_REALWORLD();
   struct Case {
     const char* name;
     std::string (*make)();

@@ -109,19 +109,10 @@ TEST(HostReportsTest, ThePreviewNamesEveryTraceReadably) {
   WriteBytes(image / kSecureTemp / "a\xff.pdf", "12345");
   WriteBytes(image / kSecureTemp / "a\xfe.pdf", "123");
   json scan = RunJson("scan --traces --image " + Quote(image.string()));
-  // Stores that count records without previewing them yet.
-  const std::set<std::string> pending = {
-      "FirefoxHistory", "FirefoxCookies", "FirefoxFormData", "FirefoxSavedPasswords",
-      "NetscapeCookies", "NetscapeFormdata", "NetscapePasswords", "Netscapecache",
-      "NetscapeHistory", "BabylonLogfile", "IrfanViewLastFiles", "IrfanViewLastOpenDir",
-      "ZoneAlarmProLogs", "IECookies", "IEHistory", "IEAutoComplete", "IESavedPasswords",
-      "IETempInternetFiles", "TOnlineCache", "TOnlineCookies"};
   std::set<std::string> locations;
   for (const auto& p : scan["plugins"]) {
     for (const auto& t : p["traces"]) locations.insert(t["location"].get<std::string>());
-    if (!pending.count(p["id"])) {
-      EXPECT_EQ(p["traceCount"], p["traces"].size()) << p["id"] << " has traces without a line";
-    }
+    EXPECT_EQ(p["traceCount"], p["traces"].size()) << p["id"] << " has traces without a line";
   }
   const std::string temp = "C:\\Users\\Demo\\AppData\\Local\\Microsoft\\Outlook\\SecureTemp\\";
   for (const std::string& name : {temp + "a\\x{FF}.pdf", temp + "a\\x{FE}.pdf",

@@ -2,6 +2,7 @@
 // them: typing times, compatibility records, program names, Office places and trusted
 // documents, StreamMRU. Counted, cleaned, and checked with reglookup and hivexsh.
 #include "CommandSupport.h"
+#include "tests/support/RealWorld.h"
 
 namespace tc {
 namespace {
@@ -38,6 +39,7 @@ std::set<std::string> Values(const fs::path& hive) {
 }
 
 TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
+  TC_SKIP_WITHOUT_REALWORLD();
   if (!HaveTool("reglookup") || !HaveTool("hivexsh")) GTEST_SKIP() << "reglookup or hivexsh missing";
   struct Case {
     const char* hive;

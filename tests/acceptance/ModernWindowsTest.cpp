@@ -1,6 +1,7 @@
 // The traces of Windows 7 and 10 in real user hives: what the scan counts and shows, and
 // what the clean leaves in both hives.
 #include "CommandSupport.h"
+#include "tests/support/RealWorld.h"
 
 namespace tc {
 namespace {
@@ -26,6 +27,7 @@ bool InAList(const std::string& line) {
 }
 
 TEST(ModernWindowsTest, ScanCountsTheListsOfWindows7And10) {
+  TC_SKIP_WITHOUT_REALWORLD();
   struct Case {
     const char* hive;
     int userAssist, comDlg, search, typed;
@@ -53,6 +55,7 @@ TEST(ModernWindowsTest, ScanCountsTheListsOfWindows7And10) {
 }
 
 TEST(ModernWindowsTest, CleanEmptiesTheListsRemovesTheBagsAndKeepsTheRest) {
+  TC_SKIP_WITHOUT_REALWORLD();
   if (!HaveTool("reglookup") || !HaveTool("hivexsh")) GTEST_SKIP() << "reglookup or hivexsh missing";
   TempDir dir;
   const fs::path image = RealImage(dir, "NTUSER-win10.DAT", "UsrClass-win10.dat");

@@ -8,6 +8,7 @@
 #include "platform/helpers/TextCodec.h"
 #include "platform/offline/Hive.h"
 #include "platform/offline/HiveFormat.h"
+#include "tests/support/RealWorld.h"
 
 namespace fs = std::filesystem;
 
@@ -51,6 +52,7 @@ void FixChecksum(std::string& bytes) {
 }
 
 TEST(HiveFormatTest, RefusesWhatIsNotACleanCompleteHive) {
+  TC_SKIP_WITHOUT_REALWORLD();
   TempDir dir;
   const std::string good = [&] {
     fs::path p = dir.Path() / "good";
@@ -92,6 +94,7 @@ TEST(HiveFormatTest, RefusesWhatIsNotACleanCompleteHive) {
 }
 
 TEST(HiveTest, RealWindows10HiveReadsAsItsOriginSaysAndRewritesWithNothingToRecover) {
+  TC_SKIP_WITHOUT_REALWORLD();
   TempDir dir;
   fs::path file = dir.Path() / "NTUSER.DAT";
   test::CopyRealHive("NTUSER-win10.DAT", file);
