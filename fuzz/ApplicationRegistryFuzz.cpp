@@ -1,6 +1,7 @@
 // The Mozilla application registry ("registry.dat"): any bytes give profiles whose folders
 // exist, never a failure.
 // Seeds: realworld/mozilla-suite/appreg tools/demo/tree/*registry.dat
+// Options: -max_len=16384
 #include <cstdlib>
 
 #include "browsers/TC_BrowserFuncs.h"

@@ -1,6 +1,7 @@
 // The cache readers: a Chromium simple-cache entry, a block-file index and a Firefox cache2
 // entry; any bytes give an address no longer than the input and a count of 0 or more or -1.
 // Seeds: realworld/firefox/cache1/* realworld/profiles/*Cache* tools/demo/tree/*Cache*
+// Options: -max_len=32768
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 // index.dat files: any bytes are read or refused with a reason, and freeing every record
 // read either succeeds and leaves an index that reads again without them, or refuses and
 // changes nothing.
+// Seeds: realworld/iecache/*
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

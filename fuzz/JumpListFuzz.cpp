@@ -1,4 +1,6 @@
 // Jump list pieces: the DestList stream, compound files (libolecf) and links (liblnk).
+// Seeds: realworld/windows/jumplist/* realworld/windows/lnk/* tools/demo/tree/*Destinations-ms
+// Options: -max_len=16384
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

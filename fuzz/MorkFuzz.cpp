@@ -1,6 +1,7 @@
 // The Mork reader: any bytes, read as history and as form history, give at most one row per
 // "]" and never fail.
 // Seeds: realworld/mork/* realworld/mozilla-suite/history.dat tools/demo/tree/*.dat
+// Options: -max_len=16384
 #include <algorithm>
 #include <cstdlib>
 #include <string>

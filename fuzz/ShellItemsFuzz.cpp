@@ -1,4 +1,6 @@
 // Shell item lists read with libfwsi: any bytes give a name per item or are refused whole.
+// Seeds: realworld/windows/lnk/*
+// Options: -max_len=4096
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
