@@ -79,6 +79,15 @@ ExitCode RunCookieCommand(const Options& o, const std::string& source,
     }
   }
   if (o.What == Command::Cookies) return ListHosts(o, source, provider, out);
+#ifndef _WIN32
+  // The demo copy is removed at exit: a choice written there would be lost without a word.
+  if (!o.ImageGiven) {
+    error = std::string(o.What == Command::Keep ? "keep" : "unkeep") +
+            " without --image would write into a copy of the demo image that is removed at "
+            "exit; name the Windows installation with --image DIR";
+    return kExitUsage;
+  }
+#endif
 
   const bool keep = o.What == Command::Keep;
   const char* command = keep ? "keep" : "unkeep";

@@ -6,20 +6,75 @@
 #include <liblnk.h>
 #include <libolecf.h>
 
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+
 #include "platform/helpers/ShellItemList.h"
 
 namespace tc {
 
 namespace {
 
-// A read-only bfio handle over bytes the caller keeps alive.
+// A read-only bfio handle over bytes the caller keeps alive. Its reads stop at the end of
+// the bytes: libbfio's own memory range copies past its end when a damaged link asks for
+// more than is left.
+struct Range {
+  const uint8_t* data;
+  size_t size;
+  size_t offset = 0;
+};
+
+Range* RangeOf(intptr_t* io) { return reinterpret_cast<Range*>(io); }
+
+int FreeRange(intptr_t** io, libbfio_error_t**) {
+  delete RangeOf(*io);
+  *io = nullptr;
+  return 1;
+}
+int CloneRange(intptr_t** to, intptr_t* from, libbfio_error_t**) {
+  *to = reinterpret_cast<intptr_t*>(new Range{RangeOf(from)->data, RangeOf(from)->size});
+  return 1;
+}
+int OpenRange(intptr_t* io, int, libbfio_error_t**) {
+  RangeOf(io)->offset = 0;
+  return 1;
+}
+int CloseRange(intptr_t*, libbfio_error_t**) { return 0; }
+ssize_t ReadRange(intptr_t* io, uint8_t* buffer, size_t size, libbfio_error_t**) {
+  Range& r = *RangeOf(io);
+  if (r.offset >= r.size) return 0;
+  const size_t n = std::min(size, r.size - r.offset);
+  std::memcpy(buffer, r.data + r.offset, n);
+  r.offset += n;
+  return static_cast<ssize_t>(n);
+}
+ssize_t WriteRange(intptr_t*, const uint8_t*, size_t, libbfio_error_t**) { return -1; }
+off64_t SeekRange(intptr_t* io, off64_t offset, int whence, libbfio_error_t**) {
+  Range& r = *RangeOf(io);
+  const off64_t base = whence == SEEK_CUR ? off64_t(r.offset) : whence == SEEK_END ? off64_t(r.size) : 0;
+  if (whence != SEEK_SET && whence != SEEK_CUR && whence != SEEK_END) return -1;
+  if (offset < -base || offset > INT64_MAX - base) return -1;
+  r.offset = static_cast<size_t>(base + offset);
+  return base + offset;
+}
+int RangeExists(intptr_t*, libbfio_error_t**) { return 1; }
+int RangeIsOpen(intptr_t*, libbfio_error_t**) { return 1; }
+int RangeSize(intptr_t* io, size64_t* size, libbfio_error_t**) {
+  *size = RangeOf(io)->size;
+  return 1;
+}
+
 struct MemoryHandle {
   libbfio_handle_t* handle = nullptr;
   explicit MemoryHandle(const Bytes& data) {
-    if (libbfio_memory_range_initialize(&handle, nullptr) != 1 ||
-        libbfio_memory_range_set(handle, const_cast<uint8_t*>(data.data()), data.size(),
-                                 nullptr) != 1) {
-      libbfio_handle_free(&handle, nullptr);
+    auto* range = new Range{data.data(), data.size()};
+    if (libbfio_handle_initialize(&handle, reinterpret_cast<intptr_t*>(range), FreeRange,
+                                  CloneRange, OpenRange, CloseRange, ReadRange, WriteRange,
+                                  SeekRange, RangeExists, RangeIsOpen, RangeSize,
+                                  LIBBFIO_FLAG_IO_HANDLE_MANAGED, nullptr) != 1) {
+      delete range;
       handle = nullptr;
     }
   }

@@ -17,7 +17,9 @@ struct Line {
   String Eol;   // u"\r\n", u"\n" or u"" for a last line without one
 };
 
-bool IsBlank(char16_t c) { return c == u' ' || c == u'\t'; }
+// What Windows trims around names and values: a lone CR at the end of a file's last line too,
+// which a later line end would otherwise turn into part of a CR LF.
+bool IsBlank(char16_t c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); }
 
 std::u16string_view Trim(std::u16string_view s) {
   while (!s.empty() && IsBlank(s.front())) s.remove_prefix(1);

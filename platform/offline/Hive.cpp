@@ -96,13 +96,13 @@ uint32_t Hive::ChildNames(Node node, StringList& names) {
   return ERROR_SUCCESS;
 }
 
-uint32_t Hive::Values(Node node, const std::vector<RegNamedValue>*& values) {
+uint32_t Hive::Load(Node node, CachedValues*& cached) {
   auto it = values_.find(node);
   if (it == values_.end()) {
     errno = 0;
     hive_value_h* handles = hivex_node_values(h_, node);
     if (!handles) return LastHivexError();
-    CachedValues cached;
+    CachedValues read;
     for (hive_value_h* v = handles; *v; ++v) {
       char* key = hivex_value_key(h_, *v);
       // A damaged hive may hold any number as a type: held as the integer, never as the enum.
@@ -115,22 +115,104 @@ uint32_t Hive::Values(Node node, const std::vector<RegNamedValue>*& values) {
         value.Value.Type = uint32_t(type);
         value.Value.Data.assign(reinterpret_cast<uint8_t*>(data),
                                 reinterpret_cast<uint8_t*>(data) + len);
-        cached.values.push_back(std::move(value));
+        read.values.push_back(std::move(value));
       }
       free(key);
       free(data);
     }
     free(handles);
-    it = values_.emplace(node, std::move(cached)).first;
+    it = values_.emplace(node, std::move(read)).first;
   }
-  values = &it->second.values;
+  cached = &it->second;
+  return ERROR_SUCCESS;
+}
+
+void Hive::Compact(CachedValues& cached) {
+  if (cached.removed.empty()) return;
+  size_t kept = 0;
+  for (size_t i = 0; i < cached.values.size(); ++i) {
+    if (cached.removed[i]) continue;
+    if (kept != i) cached.values[kept] = std::move(cached.values[i]);  // never onto itself
+    ++kept;
+  }
+  cached.values.resize(kept);
+  cached.removed.clear();
+  cached.indexed = false;
+}
+
+void Hive::Index(CachedValues& cached) {
+  if (cached.indexed) return;
+  Compact(cached);
+  cached.index.clear();
+  cached.duplicates = false;
+  for (size_t i = 0; i < cached.values.size(); ++i)
+    cached.duplicates |= !cached.index.emplace(UpperCase(cached.values[i].Name), i).second;
+  cached.indexed = true;
+}
+
+uint32_t Hive::Values(Node node, const std::vector<RegNamedValue>*& values) {
+  CachedValues* cached = nullptr;
+  uint32_t rc = Load(node, cached);
+  if (rc != ERROR_SUCCESS) return rc;
+  Compact(*cached);
+  values = &cached->values;
   return ERROR_SUCCESS;
 }
 
 uint32_t Hive::SetValues(Node node, std::vector<RegNamedValue> values) {
   CachedValues& cached = values_[node];
   cached.values = std::move(values);
+  cached.removed.clear();
+  cached.indexed = false;
   cached.changed = true;
+  dirty_ = true;
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::FindValue(Node node, const String& name, const RegValue*& value) {
+  value = nullptr;
+  CachedValues* cached = nullptr;
+  uint32_t rc = Load(node, cached);
+  if (rc != ERROR_SUCCESS) return rc;
+  Index(*cached);
+  auto it = cached->index.find(UpperCase(name));
+  if (it != cached->index.end()) value = &cached->values[it->second].Value;
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::SetValue(Node node, const String& name, const RegValue& value) {
+  CachedValues* cached = nullptr;
+  uint32_t rc = Load(node, cached);
+  if (rc != ERROR_SUCCESS) return rc;
+  Index(*cached);
+  auto [it, added] = cached->index.emplace(UpperCase(name), cached->values.size());
+  if (added) {
+    cached->values.push_back({name, value});
+    if (!cached->removed.empty()) cached->removed.push_back(false);
+  } else {
+    cached->values[it->second].Value = value;
+  }
+  cached->changed = true;
+  dirty_ = true;
+  return ERROR_SUCCESS;
+}
+
+uint32_t Hive::DeleteValue(Node node, const String& name) {
+  CachedValues* cached = nullptr;
+  uint32_t rc = Load(node, cached);
+  if (rc != ERROR_SUCCESS) return rc;
+  Index(*cached);
+  auto it = cached->index.find(UpperCase(name));
+  if (it == cached->index.end()) return ERROR_FILE_NOT_FOUND;
+  if (cached->duplicates) {  // every value of that name goes, as a damaged hive may hold two
+    std::erase_if(cached->values, [&](const RegNamedValue& v) { return SameText(v.Name, name); });
+    cached->indexed = false;
+  } else {
+    if (cached->removed.empty()) cached->removed.assign(cached->values.size(), false);
+    cached->removed[it->second] = true;
+    cached->index.erase(it);
+  }
+  cached->changed = true;
   dirty_ = true;
   return ERROR_SUCCESS;
 }
@@ -199,6 +281,7 @@ uint32_t Hive::Commit(std::string& error) {
   if (!dirty_) return ERROR_SUCCESS;
   for (auto& [node, cached] : values_) {
     if (!cached.changed) continue;
+    Compact(cached);
     std::vector<std::string> names;
     names.reserve(cached.values.size());
     std::vector<hive_set_value> set(cached.values.size());

@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "platform/Registry.h"
 
@@ -30,6 +31,12 @@ class Hive {
   uint32_t Values(Node node, const std::vector<RegNamedValue>*& values);
   // Replaces all values of the node; written to the file by Commit.
   uint32_t SetValues(Node node, std::vector<RegNamedValue> values);
+  // One value by name, without regard to case: `value` is null when there is none.
+  uint32_t FindValue(Node node, const String& name, const RegValue*& value);
+  // Sets one value in its place, keeping its name's case, or appends it.
+  uint32_t SetValue(Node node, const String& name, const RegValue& value);
+  // Removes the values of that name; ERROR_FILE_NOT_FOUND when there is none.
+  uint32_t DeleteValue(Node node, const String& name);
   uint32_t AddChild(Node parent, const String& name, Node& child);
   // Deletes the node with everything below it; the root cannot be deleted.
   uint32_t DeleteTree(Node node);
@@ -47,10 +54,20 @@ class Hive {
   Hive(hive_h* h, std::string path) : h_(h), path_(std::move(path)) {}
   bool IsBelow(Node node, Node ancestor);
 
+  // A key's values as read and changed since. Single-value changes go through a name index
+  // and mark removed values, so that a key of many values is cleaned in linear time; the
+  // list is compacted before anyone reads it whole.
   struct CachedValues {
     std::vector<RegNamedValue> values;
     bool changed = false;
+    bool indexed = false;
+    bool duplicates = false;  // names that differ only in case: found one by one
+    std::unordered_map<String, size_t> index;  // upper-cased name -> position
+    std::vector<bool> removed;                 // empty until a value is removed
   };
+  uint32_t Load(Node node, CachedValues*& cached);
+  static void Compact(CachedValues& cached);
+  static void Index(CachedValues& cached);
   hive_h* h_;
   std::string path_;
   std::map<Node, CachedValues> values_;

@@ -107,6 +107,14 @@ bool ReadIndexDat(const Bytes& data, IndexDat& index, std::string& error) {
     error = "not an index of version 5.2 (\"Client UrlCache MMF Ver 5.2\")";
     return false;
   }
+  // libmsiecf sizes its folder table from this field before it checks it: a count larger
+  // than the header's table has room for would have it ask for gigabytes.
+  constexpr uint32_t kFolderRoom = (kBitmapAt - kDirectoriesAt) / 12;
+  if (Get32(data, kDirectoryCountAt) > kFolderRoom) {
+    error = "the header names " + std::to_string(Get32(data, kDirectoryCountAt)) +
+            " cache folders; its table has room for " + std::to_string(kFolderRoom);
+    return false;
+  }
   MemoryFile copy(data);
   if (!copy.Ok()) {
     error = "no memory for a copy of the index";

@@ -196,16 +196,12 @@ uint32_t OfflineRegistry::QueryValue(HKEY root, const String& key, const String&
   uint32_t rc = LocateFirst(root, key, found, machineRoot);
   if (rc != ERROR_SUCCESS) return rc;
   if (machineRoot || !found.hive) return ERROR_FILE_NOT_FOUND;
-  const std::vector<RegNamedValue>* stored = nullptr;
-  rc = found.hive->Values(found.node, stored);
+  const RegValue* stored = nullptr;
+  rc = found.hive->FindValue(found.node, name, stored);
   if (rc != ERROR_SUCCESS) return rc;
-  for (const auto& v : *stored) {
-    if (SameText(v.Name, name)) {
-      value = v.Value;
-      return ERROR_SUCCESS;
-    }
-  }
-  return ERROR_FILE_NOT_FOUND;
+  if (!stored) return ERROR_FILE_NOT_FOUND;
+  value = *stored;
+  return ERROR_SUCCESS;
 }
 
 uint32_t OfflineRegistry::SetValue(HKEY root, const String& key, const String& name,
@@ -215,17 +211,7 @@ uint32_t OfflineRegistry::SetValue(HKEY root, const String& key, const String& n
   uint32_t rc = LocateFirst(root, key, found, machineRoot);
   if (rc != ERROR_SUCCESS) return rc;
   if (machineRoot || !found.hive) return ERROR_ACCESS_DENIED;
-  const std::vector<RegNamedValue>* stored = nullptr;
-  rc = found.hive->Values(found.node, stored);
-  if (rc != ERROR_SUCCESS) return rc;
-  std::vector<RegNamedValue> changed = *stored;
-  auto it = std::find_if(changed.begin(), changed.end(),
-                         [&](const RegNamedValue& v) { return SameText(v.Name, name); });
-  if (it != changed.end())
-    it->Value = value;  // keeps its place and the case of its name
-  else
-    changed.push_back({name, value});
-  return found.hive->SetValues(found.node, std::move(changed));
+  return found.hive->SetValue(found.node, name, value);
 }
 
 uint32_t OfflineRegistry::DeleteValue(HKEY root, const String& key, const String& name,
@@ -238,14 +224,8 @@ uint32_t OfflineRegistry::DeleteValue(HKEY root, const String& key, const String
   for (const auto& p : places) {
     Found found;
     if (!Locate(p, found) || !found.hive) continue;
-    const std::vector<RegNamedValue>* stored = nullptr;
-    rc = found.hive->Values(found.node, stored);
-    if (rc != ERROR_SUCCESS) return rc;
-    std::vector<RegNamedValue> kept;
-    for (const auto& v : *stored)
-      if (!SameText(v.Name, name)) kept.push_back(v);
-    if (kept.size() == stored->size()) continue;
-    rc = found.hive->SetValues(found.node, std::move(kept));
+    rc = found.hive->DeleteValue(found.node, name);
+    if (rc == ERROR_FILE_NOT_FOUND) continue;
     if (rc != ERROR_SUCCESS) return rc;
     deleted = true;
   }

@@ -185,6 +185,7 @@ TEST(HostReportsTest, UsageErrorsAndRefusalsExitWith1InOneLine) {
       {"scan --sections Nowhere", "unknown section"},
       {"keep example.com", "needs --browser"},
       {"keep example.com --browser lynx", "unknown browser lynx"},
+      {"unkeep example.com --browser ie", "without --image would write into a copy"},
   };
   for (const auto& c : cases) {
     std::string out;

@@ -236,5 +236,49 @@ TEST(HiveTest, NamesOutsideAsciiMatchWithoutCase) {
   EXPECT_EQ(u"Wert", (*values)[0].Name);
 }
 
+// Cleans set and remove one value at a time through the name index; the file written
+// afterwards holds exactly what a whole-list rewrite would have.
+TEST(HiveTest, OneValueAtATimeKeepsPlacesNamesAndDuplicatesRules) {
+  TempDir dir;
+  fs::path file = dir.Path() / "h";
+  ASSERT_EQ(0, WriteEmptyHive(file.string(), "ROOT"));
+  std::string error;
+  auto hive = Hive::Open(file.string(), error);
+  Hive::Node key = 0;
+  ASSERT_EQ(0u, hive->AddChild(hive->Root(), u"MRU", key));
+  const RegValue one{REG_SZ, {'1', 0, 0, 0}}, two{REG_SZ, {'2', 0, 0, 0}};
+  ASSERT_EQ(0u, hive->SetValues(key, {{u"a", one}, {u"Dup", one}, {u"DUP", one}, {u"c", one}}));
+  struct Step {
+    enum { Set, Delete } op;
+    const char16_t* name;
+    uint32_t rc;
+  };
+  const Step steps[] = {
+      {Step::Delete, u"dup", 0},                     // both spellings of a damaged hive go
+      {Step::Delete, u"DUP", ERROR_FILE_NOT_FOUND},  // and nothing of that name is left
+      {Step::Set, u"A", 0},                          // in place, as "a"
+      {Step::Delete, u"c", 0},
+      {Step::Set, u"C", 0},                          // removed, then new: at the end
+      {Step::Set, u"b", 0},
+      {Step::Delete, u"b", 0},
+      {Step::Set, u"d", 0},
+  };
+  for (const auto& s : steps)
+    EXPECT_EQ(s.rc, s.op == Step::Set ? hive->SetValue(key, s.name, two)
+                                      : hive->DeleteValue(key, s.name)) << ToUtf8(s.name);
+  const RegValue* found = nullptr;
+  ASSERT_EQ(0u, hive->FindValue(key, u"D", found));
+  ASSERT_TRUE(found);
+  EXPECT_EQ(two.Data, found->Data);
+  ASSERT_EQ(0u, hive->Commit(error)) << error;
+  auto reopened = Hive::Open(file.string(), error);
+  const std::vector<RegNamedValue>* values = nullptr;
+  ASSERT_EQ(0u, reopened->Values(reopened->Child(reopened->Root(), u"MRU"), values));
+  std::vector<std::u16string> names;
+  for (const auto& v : *values) names.push_back(v.Name);
+  EXPECT_EQ((std::vector<std::u16string>{u"a", u"C", u"d"}), names);
+  EXPECT_EQ(two.Data, (*values)[0].Value.Data);
+}
+
 }  // namespace
 }  // namespace tc

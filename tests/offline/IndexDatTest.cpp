@@ -126,6 +126,13 @@ TEST_F(RealIndexDat, RefusesDamageAndChangesNothing) {
     EXPECT_FALSE(error.empty());
     EXPECT_EQ(damaged, data);
   }
+  // Refused before libmsiecf sizes a table by it: more cache folders than the header holds.
+  Bytes folders = good;
+  Put32(folders, 0x48, 0xFFFFFF00);
+  IndexDat index;
+  std::string error;
+  EXPECT_FALSE(ReadIndexDat(folders, index, error));
+  EXPECT_NE(std::string::npos, error.find("cache folders")) << error;
 }
 
 // What a built index holds is the URL cache contract's business on the offline backend.

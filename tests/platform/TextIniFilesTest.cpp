@@ -30,7 +30,7 @@ TEST_F(TextIniFilesTest, ReadsTheWayTheSystemDoes) {
                      "[main]\r\n"
                      "Other=from repeated section\r\n"
                      "[Umlaut]\n"
-                     "K=Gr\xfc\xdf" "e");
+                     "K=Gr\xfc\xdf" "e\r");  // a lone CR ends the file
   struct Case {
     const char16_t *section, *key, *expected;
   } cases[] = {
@@ -51,6 +51,9 @@ TEST_F(TextIniFilesTest, ReadsTheWayTheSystemDoes) {
   EXPECT_EQ((StringList{u"Plain", u"Quoted", u"Single", u"Half"}), keys);
   EXPECT_EQ(u"d", ini.ReadString(u"C:\\App\\none.ini", u"Main", u"Plain", u"d"));
   EXPECT_EQ(ERROR_FILE_NOT_FOUND, ini.ReadSections(u"C:\\App\\none.ini", sections));
+  // A key added after that line ends it with LF: its value does not change.
+  ASSERT_EQ(ERROR_SUCCESS, ini.WriteString(file, u"Umlaut", u"New", u"1"));
+  EXPECT_EQ(u"Grüße", ini.ReadString(file, u"Umlaut", u"K", u""));
 }
 
 TEST_F(TextIniFilesTest, ChangesOnlyTheLinesItTouchesByteForByte) {
