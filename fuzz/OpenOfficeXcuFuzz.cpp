@@ -1,7 +1,7 @@
 // OpenOffice's settings files: the line walk finds entries in ascending, separate line
 // ranges; removing the URLs the XML walk found leaves a file that reads again without them.
 // Seeds: realworld/office/* tools/demo/tree/*.xcu
-// Options: -max_len=32768
+// Options: -max_len=8192
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Opera's cookies4.dat: any bytes are read, refused or stopped by the file's own error, and
 // cutting every closed cookie leaves exactly the bytes outside their ranges.
 // Seeds: realworld/opera/cookies4*.dat tools/demo/tree/*cookies4.dat
-// Options: -max_len=16384
+// Options: -max_len=8192
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // prefs.js lines: a cut gives back exactly the text it cut, and a setting is found or not.
 // Seeds: realworld/*prefs*.js tools/demo/tree/*prefs.js
-// Options: -max_len=16384
+// Options: -max_len=4096
 #include <cstdlib>
 #include <string>
 
