@@ -42,6 +42,7 @@ class CookieCommandsTest : public ::testing::Test {
   ExitCode Run(Command what, std::vector<std::string> hosts, std::string browser = "fake") {
     Options o;
     o.What = what;
+    o.ImageGiven = true;  // keep and unkeep write into an image off Windows
     o.Json = true;
     o.Browser = std::move(browser);
     o.Hosts = std::move(hosts);
