@@ -121,6 +121,41 @@ String LinkText(liblnk_file_t* file, SizeGetter getSize, Getter get) {
   return FromUtf16Buffer(buffer);
 }
 
+// Whether every part of a shell link fits in its bytes. liblnk allocates what a size field
+// says before it reads, so a damaged link would have it ask for gigabytes.
+bool LinkFits(const Bytes& link) {
+  auto get = [&](size_t at, size_t width) -> uint64_t {
+    uint64_t v = 0;
+    if (at + width <= link.size()) std::memcpy(&v, link.data() + at, width);
+    return v;
+  };
+  constexpr size_t kHeader = 0x4C;
+  if (link.size() < kHeader || get(0, 4) != kHeader) return false;
+  const uint64_t flags = get(20, 4);
+  uint64_t at = kHeader;
+  if (flags & 0x01) at += 2 + get(at, 2);  // the item list of the target
+  if (at > link.size()) return false;
+  if (flags & 0x02) {  // link information: its size counts itself
+    const uint64_t size = get(at, 4);
+    if (size < 4 || at + size > link.size()) return false;
+    at += size;
+  }
+  const uint64_t unit = (flags & 0x80) ? 2 : 1;
+  for (uint64_t bit = 0x04; bit <= 0x40; bit <<= 1) {  // name, path, folder, arguments, icon
+    if (!(flags & bit)) continue;
+    if (at + 2 > link.size()) return false;
+    at += 2 + unit * get(at, 2);
+    if (at > link.size()) return false;
+  }
+  while (at + 4 <= link.size()) {  // extra blocks, up to one smaller than 4 bytes
+    const uint64_t size = get(at, 4);
+    if (size < 4) break;
+    if (at + size > link.size()) return false;
+    at += size;
+  }
+  return true;
+}
+
 }  // namespace
 
 uint32_t LibJumpListFiles::ReadStreams(const Bytes& compoundFile,
@@ -161,6 +196,7 @@ uint32_t LibJumpListFiles::ReadStreams(const Bytes& compoundFile,
 
 uint32_t LibJumpListFiles::ReadLink(const Bytes& link, String& target) {
   target.clear();
+  if (!LinkFits(link)) return ERROR_INVALID_DATA;
   MemoryHandle io(link);
   liblnk_file_t* file = nullptr;
   if (!io.handle || liblnk_file_initialize(&file, nullptr) != 1) return ERROR_NOT_ENOUGH_MEMORY;

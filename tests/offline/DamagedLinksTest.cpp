@@ -1,5 +1,6 @@
 // Links and jump lists from an image are read through liblnk and libolecf over bytes in
-// memory: a damaged one that asks for more than it holds is refused, never read past.
+// memory: a damaged one that asks for more than it holds is refused before they allocate
+// or read what it asks for.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -29,6 +30,7 @@ TEST(DamagedLinks, SizesBeyondTheDataAreRefused) {
       {"link information of 512 MiB", Link(0x2, {0x04, 0x00, 0x00, 0x20, 0x1C, 0, 0, 0})},
       {"an item list longer than the file", Link(0x1, {0xFF, 0xFF, 0x14, 0x00})},
       {"a name of 65,535 characters", Link(0x4, {0xFF, 0xFF, 'a', 0})},
+      {"an extra block of 4 GiB", Link(0x0, {0xFB, 0xFF, 0xFF, 0xFF, 0x02, 0x00, 0x00, 0xA0})},
   };
   LibJumpListFiles reader(std::make_shared<LibShellItems>());
   for (const auto& c : cases) {
