@@ -97,10 +97,14 @@ struct TextIniFiles::Document {
 
   void Replace(size_t index, const String& text) { Lines[index] = Make(text, Lines[index].Eol); }
 
-  // Before inserting after `index`, a last line without line end gets one.
+  // Before inserting after `index`, a last line without line end gets one, after its bytes
+  // as they are: decoding and encoding again would change bytes that are no valid text.
   void EndLine(size_t index) {
-    if (!Lines[index].Eol.empty()) return;
-    Lines[index] = Make(Lines[index].Text, PreferredEol());
+    Line& l = Lines[index];
+    if (!l.Eol.empty()) return;
+    l.Eol = PreferredEol();
+    const Bytes eol = Encode(l.Eol);
+    l.Raw.insert(l.Raw.end(), eol.begin(), eol.end());
   }
 
   // Index range [first, end) of the first section of that name, header included.

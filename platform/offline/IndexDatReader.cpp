@@ -2,6 +2,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "platform/helpers/TextCodec.h"
 #include "platform/offline/IndexDat.h"
 #include "platform/offline/IndexDatLayout.h"
@@ -114,6 +116,17 @@ bool ReadIndexDat(const Bytes& data, IndexDat& index, std::string& error) {
     error = "the header names " + std::to_string(Get32(data, kDirectoryCountAt)) +
             " cache folders; its table has room for " + std::to_string(kFolderRoom);
     return false;
+  }
+  // libmsiecf walks every block the bitmap marks, one growing table entry each: marks past the
+  // index's last block are damage that would keep it busy for minutes.
+  const uint64_t inData = data.size() > kFirstBlock ? (data.size() - kFirstBlock) / kBlockSize : 0;
+  const uint64_t blocks = std::min<uint64_t>(Get32(data, kTotalBlocksAt), inData);
+  for (uint64_t bit = blocks; bit < kMaxBlocks && kBitmapAt + bit / 8 < data.size(); ++bit) {
+    if (data[kBitmapAt + bit / 8] & (1u << (bit % 8))) {
+      error = "the allocation bitmap marks block " + std::to_string(bit) +
+              ", past the index's last block (" + std::to_string(blocks) + ")";
+      return false;
+    }
   }
   MemoryFile copy(data);
   if (!copy.Ok()) {

@@ -133,6 +133,11 @@ TEST_F(RealIndexDat, RefusesDamageAndChangesNothing) {
   std::string error;
   EXPECT_FALSE(ReadIndexDat(folders, index, error));
   EXPECT_NE(std::string::npos, error.find("cache folders")) << error;
+  // Or blocks marked in use far past the last one (libmsiecf would walk each of them).
+  Bytes marked = good;
+  marked[0x250 + 0x3000] = 0x01;
+  EXPECT_FALSE(ReadIndexDat(marked, index, error));
+  EXPECT_NE(std::string::npos, error.find("past the index's last block")) << error;
 }
 
 // What a built index holds is the URL cache contract's business on the offline backend.

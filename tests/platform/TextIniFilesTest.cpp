@@ -104,6 +104,12 @@ TEST_F(TextIniFilesTest, KeepsUtf16AndCreatesAnsiFiles) {
   EXPECT_EQ(std::string(utf16.begin(), utf16.end()), raw.substr(0, utf16.size()));
   EXPECT_EQ(std::string("N\0e\0u\0=\0\xac\x20\r\0\n\0", 14), raw.substr(utf16.size()));
 
+  // A UTF-8 file whose last line is no valid UTF-8: a key added after it keeps its bytes.
+  const String utf8 = u"C:\\App\\utf8.ini";
+  mem.Files->AddFile(utf8, "\xEF\xBB\xBF[S]\r\nk=caf\xe9");
+  ASSERT_EQ(ERROR_SUCCESS, ini.WriteString(utf8, u"S", u"n", u"1"));
+  EXPECT_EQ("\xEF\xBB\xBF[S]\r\nk=caf\xe9\r\nn=1\r\n", mem.Files->Contents(utf8));
+
   const String fresh = u"C:\\App\\fresh.ini";
   ASSERT_EQ(ERROR_SUCCESS, ini.WriteString(fresh, u"Sec", u"K", u"Grüße"));
   EXPECT_EQ("[Sec]\r\nK=Gr\xfc\xdf" "e\r\n", mem.Files->Contents(fresh));
