@@ -1,6 +1,6 @@
 // profiles.ini of Firefox and Netscape 8: any file gives a list of profiles, never a failure.
 // Seeds: realworld/*profiles.ini tools/demo/tree/*profiles.ini
-// Options: -max_len=2048
+// Options: -max_len=512
 #include <cstdlib>
 
 #include "browsers/TC_BrowserFuncs.h"
