@@ -1,7 +1,7 @@
 // Private-profile files: any bytes read without crashing, and a key written into the first
 // section reads back while every other key keeps its value.
 // Seeds: realworld/*.ini tools/demo/tree/*.ini
-// Options: -max_len=1024
+// Options: -max_len=256
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 // Rules files: any bytes read without crashing; every entry kept has a name and every
 // warning names the file and a line; the entries become plug-ins on the in-memory Windows.
 // Seeds: tests/acceptance/data/rules.ini
+// Options: -max_len=1024
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
