@@ -65,7 +65,7 @@ run_target() {  # run_target TARGET: fuzzes it and leaves its table row in $buil
   found=$(grep -cE '^==[0-9]+==ERROR|^SUMMARY: (AddressSanitizer|UndefinedBehaviorSanitizer|libFuzzer)' "$log" || true)
   what="none"
   if [ "$code" != 0 ] || [ "$found" != 0 ]; then
-    what=$(grep -m1 -oE 'ERROR: [A-Za-z]+: [a-z-]+|deadly signal|out-of-memory|timeout|runtime error: .*' "$log" || echo "exit $code")
+    what=$(grep -m1 -oE 'ERROR: [A-Za-z]+: [a-z-]+|deadly signal|out-of-memory|timeout|runtime error: .*' "$log" | head -1 || echo "exit $code")
     what="**${what}** (see $log)"
   fi
   echo "| $target | $seeds | ${execs:-0} | ${speed:-0} | ${cov:-0} | ${ft:-0} | $what |" >"$build/$target.row"
