@@ -39,6 +39,8 @@ inline constexpr uint32_t kRecordLocationAt = 0x34;
 inline constexpr uint32_t kRecordDirectoryAt = 0x38;
 inline constexpr uint32_t kRecordFileNameAt = 0x3C;
 inline constexpr uint32_t kRecordEntryTypeAt = 0x40;
+inline constexpr uint32_t kRecordDataAt = 0x44;  // offset and size of the header data
+inline constexpr uint32_t kRecordDataSizeAt = 0x48;
 inline constexpr uint32_t kRecordHead = 0x68;
 inline constexpr uint8_t kNoDirectory = 0xFE;
 

@@ -87,6 +87,11 @@ bool ReadRecord(libmsiecf_item_t* item, const Bytes& data, IndexDatRecord& r) {
   r.Size = static_cast<uint32_t>(size);
   r.EntryType = Get32(data, r.Offset + kRecordEntryTypeAt);
   r.Directory = kNoDirectory;
+  // libmsiecf allocates the header data from its size field before checking it against the
+  // record: a record whose data reaches past its end is read as one with unreadable values.
+  if (uint64_t(Get32(data, r.Offset + kRecordDataAt)) + Get32(data, r.Offset + kRecordDataSizeAt) >
+      size)
+    return true;
   // Values libmsiecf cannot read fail every getter alike, and each failed read leaks inside it.
   size_t probe = 0;
   if (libmsiecf_url_get_utf16_location_size(item, &probe, nullptr) != 1) return true;

@@ -138,6 +138,14 @@ TEST_F(RealIndexDat, RefusesDamageAndChangesNothing) {
   marked[0x250 + 0x3000] = 0x01;
   EXPECT_FALSE(ReadIndexDat(marked, index, error));
   EXPECT_NE(std::string::npos, error.find("past the index's last block")) << error;
+  // A record whose data size reaches past it (libmsiecf would allocate 4 GiB) is read without
+  // its values; the others are read as before.
+  Bytes huge = good;
+  const uint32_t first = Read(good).Records[0].Offset;
+  Put32(huge, first + 0x48, 0xFFFFFF13);
+  ASSERT_TRUE(ReadIndexDat(huge, index, error)) << error;
+  EXPECT_EQ(Read(good).Records.size(), index.Records.size());
+  EXPECT_TRUE(index.Records[0].Url.empty());
 }
 
 // What a built index holds is the URL cache contract's business on the offline backend.
