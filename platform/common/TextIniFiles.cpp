@@ -97,12 +97,21 @@ struct TextIniFiles::Document {
 
   void Replace(size_t index, const String& text) { Lines[index] = Make(text, Lines[index].Eol); }
 
+  size_t RawSize() const {
+    size_t n = 0;
+    for (const Line& l : Lines) n += l.Raw.size();
+    return n;
+  }
+
   // Before inserting after `index`, a last line without line end gets one, after its bytes
   // as they are: decoding and encoding again would change bytes that are no valid text.
   void EndLine(size_t index) {
     Line& l = Lines[index];
     if (!l.Eol.empty()) return;
     l.Eol = PreferredEol();
+    // A UTF-16 file cut after an odd byte: the byte no reader sees goes, so that what
+    // follows stays aligned.
+    if (Enc == Encoding::Utf16 && (Bom.size() + RawSize()) % 2 != 0) l.Raw.pop_back();
     const Bytes eol = Encode(l.Eol);
     l.Raw.insert(l.Raw.end(), eol.begin(), eol.end());
   }

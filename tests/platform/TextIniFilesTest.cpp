@@ -104,6 +104,13 @@ TEST_F(TextIniFilesTest, KeepsUtf16AndCreatesAnsiFiles) {
   EXPECT_EQ(std::string(utf16.begin(), utf16.end()), raw.substr(0, utf16.size()));
   EXPECT_EQ(std::string("N\0e\0u\0=\0\xac\x20\r\0\n\0", 14), raw.substr(utf16.size()));
 
+  // A UTF-16 file cut after an odd byte: a key added after it reads back.
+  const String odd = u"C:\\App\\odd.ini";
+  mem.Files->AddFile(odd, std::string("\xFF\xFE[\0S\0]\0\n\0k\0=\0v\0\xFF", 17));
+  ASSERT_EQ(ERROR_SUCCESS, ini.WriteString(odd, u"S", u"n", u"1"));
+  EXPECT_EQ(u"1", ini.ReadString(odd, u"S", u"n", u""));
+  EXPECT_EQ(u"v", ini.ReadString(odd, u"S", u"k", u""));
+
   // A UTF-8 file whose last line is no valid UTF-8: a key added after it keeps its bytes.
   const String utf8 = u"C:\\App\\utf8.ini";
   mem.Files->AddFile(utf8, "\xEF\xBB\xBF[S]\r\nk=caf\xe9");
