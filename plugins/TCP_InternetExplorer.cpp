@@ -58,6 +58,12 @@ void DeleteFormDataItems(const StringList& names, bool logins) {
 // Protected Storage items have no file: the preview names them by store and item.
 String StoreItem(const String& name) { return u"Protected Storage\\" + name; }
 
+// One saved log-in: one trace, previewed by its item's name.
+void CountLogin(TTCPlugin& p, const String& name) {
+  p.IncTraceCount(1);
+  p.PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, StoreItem(name)}, TTT_Unknown, 0, {});
+}
+
 // The hosts with Internet Explorer cookies, for the host's keep-list commands.
 class IECookieKeepList : public ICookieKeepList {
  public:
@@ -213,17 +219,12 @@ void TTCPIESavedPasswords::Scan() {
   for (const String& name : names) {
     Bytes data;
     if (Services().ProtectedStorage->ReadItem(kOldLoginType, kOldLoginSubtype, name, data) ==
-        ERROR_SUCCESS) {
-      IncTraceCount(1);
-      PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, StoreItem(name)}, TTT_Unknown, 0, {});
-    }
+        ERROR_SUCCESS)
+      CountLogin(*this, name);
   }
   if (!ListItems(*this, kFormDataType, kFormDataType, names)) return;
   for (const String& name : names)
-    if (IsStringData(name) && IsLoginItem(name)) {
-      IncTraceCount(1);
-      PreviewTrace(TST_Unknown, {kNoRootKey, {}, {}, StoreItem(name)}, TTT_Unknown, 0, {});
-    }
+    if (IsStringData(name) && IsLoginItem(name)) CountLogin(*this, name);
 }
 
 void TTCPIESavedPasswords::Clean() {
