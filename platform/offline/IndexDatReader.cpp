@@ -133,6 +133,18 @@ bool ReadIndexDat(const Bytes& data, IndexDat& index, std::string& error) {
       return false;
     }
   }
+  // libmsiecf's record scan steps by a record's block count: a record of no blocks would have it
+  // append the same record for ever.
+  for (uint64_t at = kFirstBlock; at + kRecordBlocksAt + 4 <= data.size(); at += kBlockSize) {
+    static constexpr const char* kRecordSignatures[] = {"URL ", "REDR", "LEAK", "HASH"};
+    for (const char* signature : kRecordSignatures) {
+      if (std::memcmp(data.data() + at, signature, 4) == 0 &&
+          Get32(data, at + kRecordBlocksAt) == 0) {
+        error = "the record at offset " + std::to_string(at) + " claims no blocks";
+        return false;
+      }
+    }
+  }
   MemoryFile copy(data);
   if (!copy.Ok()) {
     error = "no memory for a copy of the index";
