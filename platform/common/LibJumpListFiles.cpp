@@ -156,11 +156,31 @@ bool LinkFits(const Bytes& link) {
   return true;
 }
 
+// Whether a compound file's table counts fit in its bytes. libolecf sizes its sector tables
+// from these counts before it reads them, so a damaged header would have it ask for gigabytes.
+bool CompoundFits(const Bytes& file) {
+  constexpr size_t kHeader = 512;
+  if (file.size() < kHeader) return false;
+  auto get = [&](size_t at, size_t width) {
+    uint32_t v = 0;
+    std::memcpy(&v, file.data() + at, width);
+    return v;
+  };
+  const uint32_t shift = get(0x1E, 2);
+  if (shift < 7 || shift > 16) return false;
+  const uint64_t sectors = (file.size() >> shift) + 1;
+  // Sector allocation table, short-sector table and master table sector counts.
+  for (size_t at : {0x2C, 0x40, 0x48})
+    if (get(at, 4) > sectors) return false;
+  return true;
+}
+
 }  // namespace
 
 uint32_t LibJumpListFiles::ReadStreams(const Bytes& compoundFile,
                                        std::vector<NamedStream>& streams) {
   streams.clear();
+  if (!CompoundFits(compoundFile)) return ERROR_INVALID_DATA;
   MemoryHandle io(compoundFile);
   libolecf_file_t* file = nullptr;
   if (!io.handle || libolecf_file_initialize(&file, nullptr) != 1) return ERROR_NOT_ENOUGH_MEMORY;

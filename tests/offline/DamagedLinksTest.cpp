@@ -40,5 +40,42 @@ TEST(DamagedLinks, SizesBeyondTheDataAreRefused) {
   }
 }
 
+// A compound file header of 512-byte sectors whose table counts are these, then `sectors`
+// empty sectors.
+Bytes Compound(uint32_t tableSectors, uint32_t shortSectors, uint32_t masterSectors, int sectors) {
+  Bytes b(512 * (1 + sectors), 0);
+  const uint8_t magic[8] = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
+  std::memcpy(b.data(), magic, 8);
+  b[0x1A] = 0x3E;
+  b[0x1C] = 0xFE;
+  b[0x1D] = 0xFF;
+  b[0x1E] = 9;
+  b[0x20] = 6;
+  std::memcpy(b.data() + 0x2C, &tableSectors, 4);
+  std::memcpy(b.data() + 0x40, &shortSectors, 4);
+  std::memcpy(b.data() + 0x48, &masterSectors, 4);
+  return b;
+}
+
+TEST(DamagedLinks, CompoundFileTablesBeyondTheDataAreRefused) {
+  Bytes cut = Compound(1, 0, 0, 0);
+  cut.resize(300);
+  struct Case {
+    const char* what;
+    Bytes file;
+  } cases[] = {
+      {"a master table of 6.9 million sectors", Compound(1, 0, 0x00690067, 2)},
+      {"an allocation table of 4 billion sectors", Compound(0xFFFFFFF0, 0, 0, 2)},
+      {"a short-sector table of 16 million sectors", Compound(1, 0x01000000, 0, 2)},
+      {"shorter than its header", cut},
+  };
+  LibJumpListFiles reader(std::make_shared<LibShellItems>());
+  for (const auto& c : cases) {
+    std::vector<NamedStream> streams;
+    EXPECT_NE(0u, reader.ReadStreams(c.file, streams)) << c.what;
+    EXPECT_TRUE(streams.empty()) << c.what;
+  }
+}
+
 }  // namespace
 }  // namespace tc
