@@ -133,14 +133,16 @@ bool ReadIndexDat(const Bytes& data, IndexDat& index, std::string& error) {
       return false;
     }
   }
-  // libmsiecf's record scan steps by a record's block count: a record of no blocks would have it
-  // append the same record for ever.
+  // libmsiecf's record scan steps by a record's size in 32 bits: a record of no blocks, or of
+  // so many that their size wraps round, would have it append the same record for ever.
   for (uint64_t at = kFirstBlock; at + kRecordBlocksAt + 4 <= data.size(); at += kBlockSize) {
     static constexpr const char* kRecordSignatures[] = {"URL ", "REDR", "LEAK", "HASH"};
+    const uint64_t count = Get32(data, at + kRecordBlocksAt);
     for (const char* signature : kRecordSignatures) {
       if (std::memcmp(data.data() + at, signature, 4) == 0 &&
-          Get32(data, at + kRecordBlocksAt) == 0) {
-        error = "the record at offset " + std::to_string(at) + " claims no blocks";
+          (count == 0 || at + count * kBlockSize > data.size())) {
+        error = "the record at offset " + std::to_string(at) + " claims " + std::to_string(count) +
+                " blocks; the index ends after " + std::to_string(data.size()) + " bytes";
         return false;
       }
     }

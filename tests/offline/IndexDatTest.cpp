@@ -138,11 +138,14 @@ TEST_F(RealIndexDat, RefusesDamageAndChangesNothing) {
   marked[0x250 + 0x3000] = 0x01;
   EXPECT_FALSE(ReadIndexDat(marked, index, error));
   EXPECT_NE(std::string::npos, error.find("past the index's last block")) << error;
-  // Or a record of no blocks (libmsiecf's scan would never step past it).
-  Bytes empty = good;
-  Put32(empty, Read(good).Records[0].Offset + 4, 0);
-  EXPECT_FALSE(ReadIndexDat(empty, index, error));
-  EXPECT_NE(std::string::npos, error.find("claims no blocks")) << error;
+  // Or a record of no blocks, or of so many that their size wraps round in 32 bits (libmsiecf's
+  // scan would never step past either).
+  for (uint32_t blocks : {0u, 0x50000000u}) {
+    Bytes endless = good;
+    Put32(endless, Read(good).Records[0].Offset + 4, blocks);
+    EXPECT_FALSE(ReadIndexDat(endless, index, error));
+    EXPECT_NE(std::string::npos, error.find("blocks; the index ends")) << error;
+  }
   // A record whose data size reaches past it (libmsiecf would allocate 4 GiB) is read without
   // its values; the others are read as before.
   Bytes huge = good;
