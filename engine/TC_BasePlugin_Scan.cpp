@@ -194,11 +194,12 @@ bool TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
         ++filesFound;  // a recursive location counts as found, there or not
         return TraceFilesRecurse(d.Folder, matcher);
       }
-      // Sizes only where the location's option tests them.
+      // Sizes only where the location's option tests them; name order only for a preview.
       const bool sizes = Contains(d.Options, LO_NonEmptyFilesOnly);
       std::vector<FileInfo> dirs, files;
-      bool listed = ListFolderEntries(d.Folder, dirs, files,
-                                      sizes ? WalkNeeds::Sizes : WalkNeeds::Kinds);
+      bool listed = ListFolderEntries(
+          d.Folder, dirs, files,
+          sizes ? WalkNeeds::Sizes : OnPreviewTrace ? WalkNeeds::Kinds : WalkNeeds::KindsUnordered);
       if (listed || DirExists(ExcludeTrailingPathDelimiter(d.Folder)))
         ++filesFound;
       for (const auto& f : files) {

@@ -18,7 +18,8 @@ void TWildcardMatcher::AddSearchMask(const String& masks, int kind) {
 }
 
 bool TWildcardMatcher::MatchMask(const String& name, const String& mask) {
-  if (mask == u"*.*" || mask == u"*") return true;
+  // Sizes first: this runs once per name and mask of a walk.
+  if (mask.size() <= 3 && (mask == u"*" || mask == u"*.*")) return true;
   // "*.EXT" and the like: only the name's end can decide, so it alone is compared.
   if (mask.size() > 1 && mask[0] == u'*' && mask.find_first_of(u"*?", 1) == String::npos) {
     const size_t tail = mask.size() - 1;
