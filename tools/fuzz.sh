@@ -90,7 +90,7 @@ if [ -f fuzz/RESULTS.md ]; then
   while IFS= read -r row; do
     name=$(echo "$row" | cut -d'|' -f2 | tr -d ' ')
     case " $targets " in *" $name "*) ;; *) rows+=("$row") ;; esac
-  done < <(grep -E '^\| [A-Za-z]+Fuzz \|' fuzz/RESULTS.md)
+  done < <(grep -E '^\| [A-Za-z0-9]+Fuzz \|' fuzz/RESULTS.md)
 fi
 mapfile -t rows < <(printf '%s\n' "${rows[@]}" | sort)
 
