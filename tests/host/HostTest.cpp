@@ -59,19 +59,6 @@ class CookieCommandsTest : public ::testing::Test {
   int flushes = 0;
 };
 
-TEST_F(CookieCommandsTest, KeepAndUnkeepWriteThroughTheProviderAndAreListed) {
-  EXPECT_EQ(kExitDone, Run(Command::Keep, {"a.example", "c.example"}));
-  EXPECT_EQ(1, flushes);
-  EXPECT_EQ(false, doc["hosts"][1]["hasCookies"]);
-  EXPECT_EQ(kExitDone, Run(Command::Cookies, {}));
-  const auto& hosts = doc["browsers"][0]["hosts"];
-  EXPECT_EQ(true, hosts[0]["kept"]);
-  EXPECT_EQ(2, hosts[0]["count"]);
-  EXPECT_EQ(false, hosts[1]["kept"]);
-  EXPECT_EQ(kExitDone, Run(Command::Unkeep, {"a.example"}));
-  EXPECT_TRUE(fake.kept.count(u"c.example") && !fake.kept.count(u"a.example"));
-}
-
 TEST_F(CookieCommandsTest, AKeepListTheCleanIgnoresRefusesAndWritesNothing) {
   fake.honours = false;
   EXPECT_EQ(kExitUsage, Run(Command::Keep, {"a.example"}));
