@@ -40,12 +40,6 @@ class Blocker {
   std::string how_;
 };
 
-fs::path DemoCopy(const TempDir& dir, const char* name = "image") {
-  fs::path image = dir.Path() / name;
-  fs::copy(TC_DEMO_IMAGE_DIR, image, fs::copy_options::recursive);
-  return image;
-}
-
 TEST(HostReportsTest, ATraceTheCleanCouldNotRemoveIsNamedWithItsReason) {
   TempDir dir;
   const fs::path image = DemoCopy(dir);
