@@ -49,13 +49,22 @@ inline void MakeImage(const fs::path& image, const std::string& reg) {
                              Quote(image.string()), &out)) << out;
 }
 
-// Every line of reglookup's listing (path, type, value), without the header.
-inline std::set<std::string> Listing(const fs::path& hive) {
+// A copy of the demo image below `dir`, for a test that changes it.
+inline fs::path DemoCopy(const TempDir& dir, const char* name = "image") {
+  fs::path image = dir.Path() / name;
+  fs::copy(TC_DEMO_IMAGE_DIR, image, fs::copy_options::recursive);
+  return image;
+}
+
+// Every line of reglookup's listing (path, type, value), without the header and without the
+// warnings it prints amid the lines; keys by their path only if asked (writes move their time).
+inline std::set<std::string> Listing(const fs::path& hive, bool keyPathsOnly = false) {
   std::string out;
-  EXPECT_EQ(0, Run("reglookup -H " + Quote(hive.string()), &out)) << out;
+  EXPECT_EQ(0, Run("(reglookup -H " + Quote(hive.string()) + " 2>/dev/null)", &out)) << out;
   std::set<std::string> lines;
   std::istringstream in(out);
-  for (std::string line; std::getline(in, line);) lines.insert(line);
+  for (std::string line; std::getline(in, line);)
+    lines.insert(keyPathsOnly ? line.substr(0, line.find(",KEY,")) : line);
   return lines;
 }
 

@@ -17,8 +17,7 @@ std::map<std::string, bool> Hosts(const std::string& image, const std::string& b
 
 TEST(CookieCommandsTest, AKeptHostSurvivesTheCleanUntilItIsUnkept) {
   TempDir dir;
-  const fs::path copy = dir.Path() / "image";
-  fs::copy(TC_DEMO_IMAGE_DIR, copy, fs::copy_options::recursive);
+  const fs::path copy = DemoCopy(dir);
   const std::string image = Quote(copy.string());
   struct Case {
     const char* browser;

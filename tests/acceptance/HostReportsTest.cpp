@@ -40,12 +40,6 @@ class Blocker {
   std::string how_;
 };
 
-fs::path DemoCopy(const TempDir& dir, const char* name = "image") {
-  fs::path image = dir.Path() / name;
-  fs::copy(TC_DEMO_IMAGE_DIR, image, fs::copy_options::recursive);
-  return image;
-}
-
 TEST(HostReportsTest, ATraceTheCleanCouldNotRemoveIsNamedWithItsReason) {
   TempDir dir;
   const fs::path image = DemoCopy(dir);
@@ -177,6 +171,11 @@ TEST(HostReportsTest, UsageErrorsAndRefusalsExitWith1InOneLine) {
     const char* says;
   };
   const Case cases[] = {
+      {"", "a command is needed"},
+      {"sweep", "sweep"},
+      {"scan --passes 3", "--passes"},
+      {"scan --drive D", "LETTER=DIR"},
+      {"scan --plugins WordPad,NoSuchPlugin", "NoSuchPlugin"},
       {"clean", "add --yes"},
       {"scan --image ''", "--image needs a folder"},
       {"scan --image /x --drive D=/a --drive d=/b", "given twice"},
@@ -191,6 +190,7 @@ TEST(HostReportsTest, UsageErrorsAndRefusalsExitWith1InOneLine) {
     std::string out;
     EXPECT_EQ(1, Tracecleaner(std::string(c.args) + " 2>&1", out)) << c.args;
     EXPECT_NE(out.find(c.says), std::string::npos) << c.args << ": " << out;
+    EXPECT_NE(out.find("see tracecleaner --help"), std::string::npos) << c.args << ": " << out;
     EXPECT_EQ(1, std::count(out.begin(), out.end(), '\n')) << c.args << ": " << out;
     json doc = RunJson(c.args, 1);
     EXPECT_EQ("usage", doc["error"]["kind"]) << c.args;

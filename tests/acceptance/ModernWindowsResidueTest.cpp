@@ -28,16 +28,6 @@ bool IsResidue(const std::string& line) {
          under("/Place MRU/Item ") || under("/Trusted Documents/TrustRecords/");
 }
 
-// reglookup's listing without its warnings, which it prints amid the lines.
-std::set<std::string> Values(const fs::path& hive) {
-  std::string out;
-  EXPECT_EQ(0, test::Run("(reglookup -H " + Quote(hive.string()) + " 2>/dev/null)", &out));
-  std::set<std::string> lines;
-  std::istringstream in(out);
-  for (std::string line; std::getline(in, line);) lines.insert(line);
-  return lines;
-}
-
 TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
   TC_SKIP_WITHOUT_REALWORLD();
   if (!HaveTool("reglookup") || !HaveTool("hivexsh")) GTEST_SKIP() << "reglookup or hivexsh missing";
@@ -67,7 +57,7 @@ TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
     std::vector<std::set<std::string>> before;
     size_t listed = 0;
     for (const auto& hive : hives) {
-      before.push_back(Values(hive));
+      before.push_back(Listing(hive));
       for (const auto& line : before.back()) listed += IsResidue(line);
     }
 
@@ -92,7 +82,7 @@ TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
     for (size_t h = 0; h < hives.size(); ++h) {
       std::string out;
       EXPECT_EQ(0, test::Run("printf 'ls\\n' | hivexsh " + Quote(hives[h].string()), &out)) << out;
-      const std::set<std::string> after = Values(hives[h]);
+      const std::set<std::string> after = Listing(hives[h]);
       for (const auto& line : before[h]) {
         const bool gone = IsResidue(line) || line.find("/StreamMRU/MRUListEx,") != std::string::npos;
         EXPECT_TRUE(gone || after.count(line)) << "lost: " << line;

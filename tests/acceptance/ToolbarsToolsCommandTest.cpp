@@ -6,22 +6,10 @@ namespace {
 
 using namespace test;
 
-// Every value line of a hive's listing, and every key by its path only (writes move its
-// time); reglookup's warnings about odd data are left out.
-std::set<std::string> Lines(const fs::path& hive) {
-  std::string out;
-  EXPECT_EQ(0, Run("{ reglookup -H " + Quote(hive.string()) + " 2>/dev/null; }", &out));
-  std::set<std::string> lines;
-  std::istringstream in(out);
-  for (std::string line; std::getline(in, line);) lines.insert(line.substr(0, line.find(",KEY,")));
-  return lines;
-}
-
 TEST(ToolbarsToolsCommandTest, ScanAndCleanOnAnImage) {
   if (!HaveTool("reglookup")) GTEST_SKIP() << "reglookup is not installed";
   TempDir dir;
-  const fs::path c = dir.Path() / "image";
-  fs::copy(TC_DEMO_IMAGE_DIR, c, fs::copy_options::recursive);
+  const fs::path c = DemoCopy(dir);
   const fs::path pf = c / "Program Files";
   const fs::path temp = c / "Users/Demo/AppData/Local/Temp/Babylon";
 
@@ -48,7 +36,7 @@ TEST(ToolbarsToolsCommandTest, ScanAndCleanOnAnImage) {
 
   const fs::path ntuser = c / "Users/Demo/NTUSER.DAT";
   const fs::path software = c / "Windows/System32/config/SOFTWARE";
-  const auto userBefore = Lines(ntuser), machineBefore = Lines(software);
+  const auto userBefore = Listing(ntuser, true), machineBefore = Listing(software, true);
   json clean = RunJson("clean --yes --image " + Quote(c.string()) + " --plugins " + ids);
   for (const auto& [id, n] : counts) EXPECT_EQ(PluginOf(clean, id)["remaining"], 0) << id;
 
@@ -77,13 +65,13 @@ TEST(ToolbarsToolsCommandTest, ScanAndCleanOnAnImage) {
     EXPECT_FALSE(fs::exists(gone)) << gone;
   for (const auto& [hive, before] :
        {std::pair{ntuser, userBefore}, std::pair{software, machineBefore}}) {
-    const auto after = Lines(hive);
+    const auto after = Listing(hive, true);
     for (const auto& line : before)
       EXPECT_TRUE(after.count(line) || isTrace(line)) << "lost: " << line;
     for (const auto& line : after)
       EXPECT_TRUE(before.count(line) || isTrace(line)) << "new: " << line;
   }
-  EXPECT_TRUE(Lines(ntuser).count("/Software/Headlight/GetRight/MRU/MRUList,SZ,,"));
+  EXPECT_TRUE(Listing(ntuser, true).count("/Software/Headlight/GetRight/MRU/MRUList,SZ,,"));
 }
 
 }  // namespace

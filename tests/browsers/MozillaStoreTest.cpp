@@ -73,14 +73,6 @@ TEST_F(MozillaStoreTest, CookiesChangedAndRewritten) {
   EXPECT_EQ(Read(u"cookies.txt"), "# head\n.x.de\tFALSE\t/\tFALSE\t" + e + "\tA\tchanged\n" +
                                       "z.de\tTRUE\t/\tFALSE\t" + e + "\tC\tnew\n" +
                                       "z.de\tTRUE\t/\tFALSE\t" + e + "\tC\tagain\n");
-  // A file that is no text is refused and never rewritten.
-  const std::string binary("\x00\x01garbage\tFALSE", 15);
-  mem.Files->RemoveFile(kProfile + u"cookies.txt");
-  File(kProfile + u"cookies.txt", binary);
-  EXPECT_FALSE(ff.EnumCookies());
-  EXPECT_FALSE(ff.CookieError().empty());
-  EXPECT_FALSE(ff.UpdateCookies());
-  EXPECT_EQ(Read(u"cookies.txt"), binary);
 }
 
 TEST(MorkReader, Rows) {

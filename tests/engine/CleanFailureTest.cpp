@@ -46,6 +46,7 @@ TEST_F(CleanFailureTest, EveryTraceLeftIsRecordedWithItsStepAndReason) {
        [](CleanFailureTest& t, TestPlugin& p) {
          t.files_->LockFile(kDir + u"b.log", ERROR_LOCK_VIOLATION);
          EXPECT_FALSE(p.SecureDeleteFile(kDir + u"b.log"));
+         EXPECT_TRUE(p.RebootRequired);
        },
        u"C:\\Traces\\b.log", u"overwrite file", ERROR_LOCK_VIOLATION, true},
       {"missing file: gone is what was wanted",

@@ -48,6 +48,13 @@ TEST_F(ScanTest, PresenceDecidesDeactivation) {
   TestPlugin empty(u"TTCPEmpty");  // no locations: never deactivates
   empty.Scan();
   EXPECT_TRUE(empty.Active);
+
+  TestPlugin multi(u"TTCPMulti");  // a multi-string location counts as present even when missing
+  multi.AddTraceLocation(TLT_Registry_StringValue,
+                         new TLD_Registry_StringValue(HKEY_CURRENT_USER, u"No\\Key", u"V", u"", LO_MultiString),
+                         TTT_Unknown, 0);
+  EXPECT_EQ(ScanCount(multi), 0);
+  EXPECT_TRUE(multi.Active);
 }
 
 TEST_F(ScanTest, AllValuesSkipsBlankDataUnlessAskedAndReportsNothingSingly) {
@@ -123,15 +130,6 @@ TEST_F(ScanTest, StringValuesCountItems) {
     EXPECT_EQ(p.TraceCount, c.traces) << c.name;
     EXPECT_TRUE(p.Active) << c.name;
   }
-}
-
-TEST_F(ScanTest, MultiStringLocationCountsAsPresentEvenWhenMissing) {
-  plugin.AddTraceLocation(TLT_Registry_StringValue,
-                          new TLD_Registry_StringValue(HKEY_CURRENT_USER, u"No\\Key", u"V", u"",
-                                                       LO_MultiString),
-                          TTT_Unknown, 0);
-  EXPECT_EQ(ScanCount(), 0);
-  EXPECT_TRUE(plugin.Active);
 }
 
 TEST_F(ScanTest, MRUListsCountEveryValueButTheirOrderValues) {

@@ -13,25 +13,23 @@
 namespace tc::host {
 namespace {
 
+// A browser whose clean ignores the keep-list.
 class FakeKeepList : public ICookieKeepList {
  public:
   String Browser() const override { return u"fake"; }
   String Caption() const override { return u"Fake Browser"; }
   bool HonoursKeepList(String& why) const override {
-    why = honours ? u"" : u"its clean empties the file";
-    return honours;
+    why = u"its clean empties the file";
+    return false;
   }
   bool Hosts(std::vector<TCookieHostInfo>& hosts, String&) override {
-    hosts = {{u"a.example", u"", 2, kept.count(u"a.example") > 0},
-             {u"b.example", u"", 1, kept.count(u"b.example") > 0}};
+    hosts = {{u"a.example", u"", 2, kept.count(u"a.example") > 0}};
     return true;
   }
-  uint32_t SetKept(const String& host, bool keep) override {
-    if (keep) kept.insert(host);
-    else kept.erase(host);
+  uint32_t SetKept(const String& host, bool) override {
+    kept.insert(host);
     return ERROR_SUCCESS;
   }
-  bool honours = true;
   std::set<String> kept;
 };
 
@@ -59,21 +57,7 @@ class CookieCommandsTest : public ::testing::Test {
   int flushes = 0;
 };
 
-TEST_F(CookieCommandsTest, KeepAndUnkeepWriteThroughTheProviderAndAreListed) {
-  EXPECT_EQ(kExitDone, Run(Command::Keep, {"a.example", "c.example"}));
-  EXPECT_EQ(1, flushes);
-  EXPECT_EQ(false, doc["hosts"][1]["hasCookies"]);
-  EXPECT_EQ(kExitDone, Run(Command::Cookies, {}));
-  const auto& hosts = doc["browsers"][0]["hosts"];
-  EXPECT_EQ(true, hosts[0]["kept"]);
-  EXPECT_EQ(2, hosts[0]["count"]);
-  EXPECT_EQ(false, hosts[1]["kept"]);
-  EXPECT_EQ(kExitDone, Run(Command::Unkeep, {"a.example"}));
-  EXPECT_TRUE(fake.kept.count(u"c.example") && !fake.kept.count(u"a.example"));
-}
-
 TEST_F(CookieCommandsTest, AKeepListTheCleanIgnoresRefusesAndWritesNothing) {
-  fake.honours = false;
   EXPECT_EQ(kExitUsage, Run(Command::Keep, {"a.example"}));
   EXPECT_NE(doc["refused"].get<std::string>().find("empties the file"), std::string::npos);
   EXPECT_TRUE(fake.kept.empty());

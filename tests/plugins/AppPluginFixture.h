@@ -106,10 +106,15 @@ class AppPluginFixture : public ::testing::Test {
       Plugin(id).Fix();
     }
   }
-  // Names of the traces the last scan reported, in order.
+  // Names, or data, of the traces the last scan reported, in order.
   StringList FoundNames() const {
     StringList out;
     for (const auto& f : found) out.push_back(f.Name);
+    return out;
+  }
+  StringList FoundData() const {
+    StringList out;
+    for (const auto& f : found) out.push_back(f.Data);
     return out;
   }
 

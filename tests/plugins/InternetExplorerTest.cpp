@@ -1,8 +1,7 @@
 // Internet Explorer and T-Online plug-ins: typed addresses, cookies, history, Protected
-// Storage, temporary internet files; the cookie keep-list provider.
+// Storage, temporary internet files.
 #include "AppPluginFixture.h"
 #include "browsers/TC_InternetExplorer.h"
-#include "engine/CookieKeepLists.h"
 #include "plugins/TCP_InternetExplorer.h"
 #include "plugins/TCP_TOnline.h"
 #include "platform/helpers/Stringhelper.h"
@@ -159,29 +158,6 @@ TEST_F(InternetExplorerTest, FormFieldsAreCountedAfterTheSingleByteRoundTrip) {
   Bytes odd = Wide(u"ab");
   odd.push_back('x');
   EXPECT_EQ(1, CountAutoCompleteFields(odd));
-}
-
-TEST_F(InternetExplorerTest, KeepListProviderListsHostsAndWritesTheChoice) {
-  SeedCache();
-  Start();
-  ICookieKeepList* ie = FindCookieKeepList(u"IE");
-  ASSERT_NE(nullptr, ie);
-  std::vector<TCookieHostInfo> hosts;
-  String error;
-  ASSERT_TRUE(ie->Hosts(hosts, error));
-  ASSERT_EQ(2u, hosts.size());
-  EXPECT_EQ(u"kept.test", hosts[0].Host);
-  EXPECT_EQ(2, hosts[0].Count);
-  EXPECT_TRUE(hosts[0].Kept);
-  EXPECT_EQ(u"ads.test", hosts[1].Host);
-  EXPECT_FALSE(hosts[1].Kept);
-  EXPECT_EQ(0u, ie->SetKept(u"ads.test", true));
-  EXPECT_EQ(0u, ie->SetKept(u"kept.test", false));
-  EXPECT_FALSE(CookieCanBeDeleted(u"Cookie:tester@ads.test/"));
-  EXPECT_TRUE(CookieCanBeDeleted(u"Cookie:tester@kept.test/"));
-  Finalize();
-  EXPECT_EQ(nullptr, FindCookieKeepList(u"ie"));
-  Initialize();
 }
 
 }  // namespace

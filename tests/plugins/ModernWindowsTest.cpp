@@ -1,5 +1,5 @@
 // The Windows 7 to 11 plug-ins on the in-memory Windows: jump lists kept when pinned, caches
-// in use, shell bags in both hives, and the readers' previews.
+// in use, shell bags in both hives, and the readers' previews (typing times among them).
 #ifndef _WIN32
 #include <sqlite3.h>
 #endif
@@ -9,6 +9,7 @@
 #include "plugins/TCP_MSOffice2013.h"
 #include "plugins/TCP_ModernWindowsExplorer.h"
 #include "plugins/TCP_ModernWindowsFiles.h"
+#include "plugins/TCP_ModernWindowsTraces.h"
 
 namespace tc {
 namespace {
@@ -143,6 +144,28 @@ TEST_F(ModernWindowsTest, PreviewsOfListValues) {
   EXPECT_FALSE(ParseDestList(destList, entries));
 }
 
+// Typing times of Internet Explorer at the ends of their range.
+TEST_F(ModernWindowsTest, FileTimeText) {
+  auto le = [](uint64_t n) {
+    Bytes b;
+    for (int i = 0; i < 8; ++i) b.push_back(uint8_t(n >> (8 * i)));
+    return b;
+  };
+  const struct {
+    Bytes data;
+    const char* text;
+  } cases[] = {
+      {le(0x01D21EED89794BBBULL), "2016-10-05 09:47:50"},
+      {le(1), "1601-01-01 00:00:00"},
+      {le(265046774400ULL * 10000000 - 1), "9999-12-31 23:59:59"},
+      {le(265046774400ULL * 10000000), ""},  // year 10000 is no time Windows writes
+      {le(~0ULL), ""},
+      {le(0), ""},
+      {Bytes{1, 2, 3, 4}, ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(c.text, ToUtf8(FileTimeText(c.data)));
+}
+
 #ifndef _WIN32
 // A Timeline database made by SQLite itself, as the bytes of its file.
 std::string TimelineDatabase(const char* sql) {
@@ -169,10 +192,8 @@ TEST_F(ModernWindowsTest, TimelineCountsActivitiesAndDeletesTheDatabases) {
   File(cdp + u"AAD.1234\\Settings.dat", "kept");
   Start();
   EXPECT_EQ(3, Scan(u"WindowsTimeline"));
-  StringList shown;
-  for (const auto& f : found) shown.push_back(f.Data);
-  EXPECT_EQ(u"Bericht.docx", shown[1]);
-  EXPECT_EQ(u"Edge-42", shown[2]);
+  EXPECT_EQ(u"Bericht.docx", FoundData()[1]);
+  EXPECT_EQ(u"Edge-42", FoundData()[2]);
   CleanAndFix({u"WindowsTimeline"});
   EXPECT_TRUE(mem.Files->Names(cdp + u"L.Tester").empty());
   EXPECT_EQ((StringList{u"Settings.dat"}), mem.Files->Names(cdp + u"AAD.1234"));

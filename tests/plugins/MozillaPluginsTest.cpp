@@ -73,9 +73,6 @@ TEST_F(MozillaPluginsTest, FirefoxCookieKeepList) {
   Start();
   ICookieKeepList* list = FindCookieKeepList(u"Firefox");
   ASSERT_NE(list, nullptr);
-  String why;
-  EXPECT_FALSE(list->HonoursKeepList(why));
-  EXPECT_FALSE(why.empty());
   ASSERT_EQ(list->SetKept(u"a.de", true), ERROR_SUCCESS);
   std::vector<TCookieHostInfo> hosts;
   String error;

@@ -81,14 +81,7 @@ TEST(OpenOfficeTest, TheLineWalkFindsPickListEntries) {
   }
 }
 
-class OpenOfficeFixture : public AppPluginFixture {
- public:
-  StringList FoundFiles() const {
-    StringList out;
-    for (const auto& f : found) out.push_back(f.Data);
-    return out;
-  }
-};
+using OpenOfficeFixture = AppPluginFixture;
 
 TEST_F(OpenOfficeFixture, EveryListCountsAndOnlyTheChosenDocumentGoes) {
   const std::string oo2 = CommonXcu(Entry("h0", "file:///C:/Geheim.odt") +
@@ -108,10 +101,10 @@ TEST_F(OpenOfficeFixture, EveryListCountsAndOnlyTheChosenDocumentGoes) {
   Start();
 
   EXPECT_EQ(5, Scan(u"OpenOfficeMRU"));
-  EXPECT_EQ(FoundFiles(), (StringList{u"C:\\Geheim.odt", u"C:\\Brief an Bank.odt", u"C:\\Alt.sxw",
+  EXPECT_EQ(FoundData(), (StringList{u"C:\\Geheim.odt", u"C:\\Brief an Bank.odt", u"C:\\Alt.sxw",
                                       u"C:\\geheim.ODT", u"C:\\Brief an Bank.odt"}));
   EXPECT_EQ(1, Scan(u"LibreOfficeMRU"));
-  EXPECT_EQ(FoundFiles(), StringList{u"C:\\Libre.odt"});
+  EXPECT_EQ(FoundData(), StringList{u"C:\\Libre.odt"});
 
   Scan(u"OpenOfficeMRU");
   TOrviMRU host;
