@@ -1,5 +1,6 @@
 #include "plugins/TCP_ModernWindowsTraces.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -20,6 +21,7 @@ namespace {
 
 const String rsApp_Explorer = u"Windows-Explorer";
 const String kOffice = u"Software\\Microsoft\\Office\\";
+const String kMountPoints = u"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\MountPoints2";
 const char16_t* const kOfficeApps[] = {u"Word",      u"Excel", u"PowerPoint", u"Access",
                                        u"Publisher", u"Visio", u"OneNote"};
 
@@ -29,6 +31,18 @@ TTCPShellMuiCache* TCPShellMuiCache = nullptr;
 TTCPMSOfficeTrustedDocuments* TCPMSOfficeTrustedDocuments = nullptr;
 TTCPMSOffice2007Places* TCPMSOffice2007Places = nullptr;
 TTCPExplorerStreamMRU* TCPExplorerStreamMRU = nullptr;
+TTCPMSOfficeHyperlink* TCPMSOfficeHyperlink = nullptr;
+TTCPMMCRecentFiles* TCPMMCRecentFiles = nullptr;
+TTCPExplorerMountPoints* TCPExplorerMountPoints = nullptr;
+
+// The keys of Office's versions ("14.0", "16.0", ...) below `kOffice`.
+StringList OfficeVersions() {
+  StringList versions;
+  EnumRegKeysEx(HKEY_CURRENT_USER, kOffice, versions, RO_None);
+  return versions;
+}
+
+bool IsShareKey(const String& name) { return name.starts_with(u"##"); }
 
 // Runs the generic scan of `p`, showing each trace as `shown` makes it from its source.
 void ScanShowing(TTCPlugin& p,
@@ -64,10 +78,10 @@ String FileTimeText(const Bytes& data) {
   return FromUtf8(text);
 }
 
-void TTCPValueNamesPlugin::AddKey(const String& key) {
+void TTCPValueNamesPlugin::AddKey(const String& key, TTraceTargetType target) {
   AddTraceLocation(TLT_Registry_AllValues,
                    new TLD_Registry_AllValues(HKEY_CURRENT_USER, key, LO_CountEmptyValues),
-                   TTT_FileOrFolderName, FlagOf(TF_Deletable_Per_Item));
+                   target, FlagOf(TF_Deletable_Per_Item));
 }
 
 void TTCPValueNamesPlugin::Scan() {
@@ -81,7 +95,7 @@ void TTCPValueNamesPlugin::Scan() {
       continue;
     found = true;
     for (const auto& v : values) {
-      if (!IsTrace(v.Name)) continue;
+      if (!IsTrace(v.Name, v.Value)) continue;
       ReportTrace(TST_Registry_Value, {d.RootKey, d.Key, v.Name, {}}, loc->TargetType,
                   loc->Flags, Shown(v.Name, v.Value));
       ++TraceCount;
@@ -94,13 +108,13 @@ void TTCPValueNamesPlugin::Clean() {
   TraceCount = 0;
   for (const auto& loc : TraceLocations) {
     const auto& d = loc->As<TLD_Registry_AllValues>();
-    StringList names;
-    EnumRegValueNames(d.RootKey, d.Key, names, RO_None);
-    for (const String& name : names) {
-      if (!IsTrace(name) || DeleteRegValue(d.RootKey, d.Key, name, RO_None)) continue;
+    std::vector<RegNamedValue> values;
+    Services().Registry->EnumValues(d.RootKey, d.Key, values, RegView::Default);
+    for (const auto& v : values) {
+      if (!IsTrace(v.Name, v.Value) || DeleteRegValue(d.RootKey, d.Key, v.Name, RO_None)) continue;
       const uint32_t error = GetLastOSError();
       if (error != ERROR_FILE_NOT_FOUND)
-        AddCleanFailure(TST_Registry_Value, {d.RootKey, d.Key, name, {}}, u"delete value", error);
+        AddCleanFailure(TST_Registry_Value, {d.RootKey, d.Key, v.Name, {}}, u"delete value", error);
     }
   }
 }
@@ -115,7 +129,7 @@ TTCPIETypedURLsTime::TTCPIETypedURLsTime() : TTCPValueNamesPlugin(u"TTCPIETypedU
   AddKey(u"Software\\Microsoft\\Internet Explorer\\TypedURLsTime");
 }
 
-bool TTCPIETypedURLsTime::IsTrace(const String& name) const {
+bool TTCPIETypedURLsTime::IsTrace(const String& name, const RegValue&) const {
   int64_t number;
   return IsNumberedName(name, u"url", number);
 }
@@ -149,7 +163,7 @@ TTCPShellMuiCache::TTCPShellMuiCache() : TTCPValueNamesPlugin(u"TTCPShellMuiCach
   AddKey(u"Software\\Microsoft\\Windows\\ShellNoRoam\\MUICache");
 }
 
-bool TTCPShellMuiCache::IsTrace(const String& name) const {
+bool TTCPShellMuiCache::IsTrace(const String& name, const RegValue&) const {
   return !name.starts_with(u'@') && !SameText(name, u"LangID");
 }
 
@@ -161,9 +175,8 @@ TTCPMSOfficeTrustedDocuments::TTCPMSOfficeTrustedDocuments()
            u"Makros aktiviert haben, mit seinem Pfad. Nach dem Bereinigen fragt Office bei "
            u"diesen Dokumenten erneut nach, ob Sie ihnen vertrauen.");
   Active = false;
-  StringList versions, apps;
-  EnumRegKeysEx(HKEY_CURRENT_USER, kOffice, versions, RO_None);
-  for (const String& version : versions) {
+  StringList apps;
+  for (const String& version : OfficeVersions()) {
     EnumRegKeysEx(HKEY_CURRENT_USER, kOffice + version, apps, RO_None);
     for (const String& app : apps) {
       const String key = kOffice + version + u"\\" + app + u"\\Security\\Trusted Documents\\TrustRecords";
@@ -220,13 +233,100 @@ void TTCPExplorerStreamMRU::Scan() {
   });
 }
 
+TTCPMSOfficeHyperlink::TTCPMSOfficeHyperlink() : TTCPValueNamesPlugin(u"TTCPMSOfficeHyperlink") {
+  Describe(rsTCPSection_Office, rsTCPApp_MSOffice, 2000,
+           u"Zuletzt aus einem Dokument aufgerufene Internetadresse",
+           u"Office merkt sich die Internetadresse, die Sie zuletzt über einen Link in einem "
+           u"Dokument oder einer E-Mail geöffnet haben, auch wenn der Verlauf des Browsers "
+           u"längst gelöscht ist.");
+  DeactivateIfAbsent = false;
+  for (const String& version : OfficeVersions()) {
+    const String key = kOffice + version + u"\\Common\\Internet";
+    if (KeyExist(HKEY_CURRENT_USER, key, RO_None)) AddKey(key, TTT_URL);
+  }
+}
+
+bool TTCPMSOfficeHyperlink::IsTrace(const String& name, const RegValue& value) const {
+  return SameText(name, u"UseRWHlinkNavigation") &&
+         (value.Type == REG_SZ || value.Type == REG_EXPAND_SZ) && !RegValueToText(value).empty();
+}
+
+String TTCPMSOfficeHyperlink::Shown(const String&, const RegValue& value) const {
+  return RegValueToText(value);
+}
+
+TTCPMMCRecentFiles::TTCPMMCRecentFiles() : TTCPlugin(u"TTCPMMCRecentFiles") {
+  Describe(rsTCPSection_WindowsTools, u"Microsoft Management Console", 6005,
+           u"Liste der zuletzt geöffneten Konsolen",
+           u"Die Microsoft Management Console, in der unter anderem die Dienste, die "
+           u"Computerverwaltung und die Ereignisanzeige laufen, speichert eine Liste der zuletzt "
+           u"von Ihnen geöffneten Konsolen. Diese Liste verrät, welche Teile des Systems Sie "
+           u"verwaltet haben.");
+  DeactivateIfAbsent = false;
+  AddTraceLocation(TLT_Registry_NumberedNames,
+                   new TLD_Registry_NumberedNames(
+                       HKEY_CURRENT_USER,
+                       u"Software\\Microsoft\\Microsoft Management Console\\Recent File List",
+                       u"File", 0),
+                   TTT_FileName,
+                   FlagOf(TF_Deletable_Per_Item) | FlagOf(TF_Needs_Fix_After_Cleaning));
+}
+
+TTCPExplorerMountPoints::TTCPExplorerMountPoints() : TTCPlugin(u"TTCPExplorerMountPoints") {
+  Describe(rsTCPSection_Windows, rsApp_Explorer, 5000, u"Liste der geöffneten Netzwerkfreigaben",
+           u"Windows legt für jede Netzwerkfreigabe, die Sie geöffnet oder als Laufwerk "
+           u"verbunden haben, einen eigenen Eintrag an, der auch nach dem Trennen erhalten "
+           u"bleibt. Diese Einträge verraten, auf welche Server und Freigaben Sie zugegriffen "
+           u"haben.");
+  DeactivateIfAbsent = false;
+  AddTraceLocation(TLT_Registry_AllKeys,
+                   new TLD_Registry_AllKeys(HKEY_CURRENT_USER, kMountPoints, 0),
+                   TTT_FileOrFolderName, FlagOf(TF_Deletable_Per_Item));
+}
+
+void TTCPExplorerMountPoints::Scan() {
+  TraceCount = 0;
+  for (const auto& loc : TraceLocations) {
+    const auto& d = loc->As<TLD_Registry_AllKeys>();
+    StringList keys;
+    EnumRegKeysEx(d.RootKey, d.Key, keys, RO_None);
+    for (const String& key : keys) {
+      if (!IsShareKey(key)) continue;
+      String share = key;
+      std::replace(share.begin(), share.end(), u'#', u'\\');
+      ReportTrace(TST_Registry_Key, {d.RootKey, d.Key + u"\\" + key, {}, {}}, loc->TargetType,
+                  loc->Flags, share);
+      ++TraceCount;
+    }
+  }
+}
+
+void TTCPExplorerMountPoints::Clean() {
+  TraceCount = 0;
+  for (const auto& loc : TraceLocations) {
+    const auto& d = loc->As<TLD_Registry_AllKeys>();
+    StringList keys;
+    EnumRegKeysEx(d.RootKey, d.Key, keys, RO_None);
+    for (const String& key : keys) {
+      if (!IsShareKey(key) || DeleteRegKey(d.RootKey, d.Key + u"\\" + key, RO_None)) continue;
+      const uint32_t error = GetLastOSError();
+      if (error != ERROR_FILE_NOT_FOUND)
+        AddCleanFailure(TST_Registry_Key, {d.RootKey, d.Key + u"\\" + key, {}, {}},
+                        u"delete key", error);
+    }
+  }
+}
+
 void TCP_ModernWindowsTraces_Initialization() {
   TCPIETypedURLsTime = new TTCPIETypedURLsTime();
   TCPCompatibilityAssistant = new TTCPCompatibilityAssistant();
   TCPShellMuiCache = new TTCPShellMuiCache();
   TCPExplorerStreamMRU = new TTCPExplorerStreamMRU();
+  TCPExplorerMountPoints = new TTCPExplorerMountPoints();
+  TCPMMCRecentFiles = new TTCPMMCRecentFiles();
   TCPMSOffice2007Places = new TTCPMSOffice2007Places();
   TCPMSOfficeTrustedDocuments = new TTCPMSOfficeTrustedDocuments();
+  TCPMSOfficeHyperlink = new TTCPMSOfficeHyperlink();
 }
 
 void TCP_ModernWindowsTraces_Finalization() {
@@ -236,6 +336,9 @@ void TCP_ModernWindowsTraces_Finalization() {
   FreeAndNil(TCPExplorerStreamMRU);
   FreeAndNil(TCPMSOffice2007Places);
   FreeAndNil(TCPMSOfficeTrustedDocuments);
+  FreeAndNil(TCPMSOfficeHyperlink);
+  FreeAndNil(TCPExplorerMountPoints);
+  FreeAndNil(TCPMMCRecentFiles);
 }
 
 }  // namespace tc

@@ -1,5 +1,6 @@
 // What Windows 7 to 11 and Office 2007 to 365 leave beside the lists the other units clean:
-// typing times, compatibility records, program names, trusted documents, places, streams.
+// typing times, compatibility records, program names, trusted documents, places, streams,
+// consoles, network shares and the last link followed from Office.
 #pragma once
 #include "engine/TC_BasePlugin.h"
 #include "plugins/TCP_ModernWindowsExplorer.h"
@@ -16,8 +17,8 @@ class TTCPValueNamesPlugin : public TTCPlugin {
   void Clean() override;
 
  protected:
-  void AddKey(const String& key);
-  virtual bool IsTrace(const String& /*name*/) const { return true; }
+  void AddKey(const String& key, TTraceTargetType target = TTT_FileOrFolderName);
+  virtual bool IsTrace(const String& /*name*/, const RegValue& /*value*/) const { return true; }
   virtual String Shown(const String& name, const RegValue& /*value*/) const { return name; }
 };
 
@@ -26,7 +27,7 @@ class TTCPIETypedURLsTime : public TTCPValueNamesPlugin {
   TTCPIETypedURLsTime();
 
  protected:
-  bool IsTrace(const String& name) const override;
+  bool IsTrace(const String& name, const RegValue& value) const override;
   String Shown(const String& name, const RegValue& value) const override;
 };
 
@@ -41,7 +42,7 @@ class TTCPShellMuiCache : public TTCPValueNamesPlugin {
 
  protected:
   // Resource strings ("@shell32.dll,-9216") and "LangID" name no program the user ran.
-  bool IsTrace(const String& name) const override;
+  bool IsTrace(const String& name, const RegValue& value) const override;
 };
 
 class TTCPMSOfficeTrustedDocuments : public TTCPValueNamesPlugin {
@@ -64,6 +65,30 @@ class TTCPExplorerStreamMRU : public TTCPShellMRUList {
   TTCPExplorerStreamMRU();
   // Shows the folder path the value's shell item list makes.
   void Scan() override;
+};
+
+class TTCPMSOfficeHyperlink : public TTCPValueNamesPlugin {
+ public:
+  TTCPMSOfficeHyperlink();
+
+ protected:
+  // Only the address Office wrote; the number some installations set there is a setting.
+  bool IsTrace(const String& name, const RegValue& value) const override;
+  String Shown(const String& name, const RegValue& value) const override;
+};
+
+class TTCPMMCRecentFiles : public TTCPlugin {
+ public:
+  TTCPMMCRecentFiles();
+};
+
+// The "##server#share" keys of MountPoints2; the volumes' keys hold no name and stay.
+class TTCPExplorerMountPoints : public TTCPlugin {
+ public:
+  TTCPExplorerMountPoints();
+  // Shows each share as "\\server\share".
+  void Scan() override;
+  void Clean() override;
 };
 
 // A FILETIME value as "2016-10-05 09:47:50" (UTC); empty when it is no time or zero.

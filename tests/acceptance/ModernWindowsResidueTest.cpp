@@ -1,6 +1,7 @@
 // What a registry reader still found in the real hives after the list plug-ins had cleaned
 // them: typing times, compatibility records, program names, Office places and trusted
-// documents, StreamMRU. Counted, cleaned, and checked with reglookup and hivexsh.
+// documents, StreamMRU, consoles, network shares, the last link Office followed. Counted,
+// cleaned, and checked with reglookup and hivexsh.
 #include "CommandSupport.h"
 #include "tests/support/RealWorld.h"
 
@@ -9,15 +10,19 @@ namespace {
 
 using namespace test;
 
-const char* const kIds[] = {"IETypedURLsTime",    "CompatibilityAssistant", "ShellMuiCache",
-                            "ExplorerStreamMRU",  "MSOffice2007Places",
-                            "MSOfficeTrustedDocuments"};
+const char* const kIds[] = {"IETypedURLsTime",     "CompatibilityAssistant", "ShellMuiCache",
+                            "ExplorerStreamMRU",   "MSOffice2007Places",
+                            "MSOfficeTrustedDocuments", "ExplorerMountPoints", "MMCRecentFiles",
+                            "MSOfficeHyperlink"};
 
 bool StartsWith(const std::string& s, const std::string& prefix) { return s.rfind(prefix, 0) == 0; }
 
 // A value line of reglookup's listing that one of the plug-ins counts as a trace.
 bool IsResidue(const std::string& line) {
-  if (line.find(",KEY,") != std::string::npos) return false;
+  if (line.find(",KEY,") != std::string::npos) {  // a share's key, not the keys below it
+    const size_t share = line.find("/MountPoints2/##");
+    return share != std::string::npos && line.find('/', share + 14) > line.find(',');
+  }
   const std::string name = line.substr(line.rfind('/', line.find(',')) + 1);
   auto under = [&](const char* key) { return line.find(key) != std::string::npos; };
   if (under("/Shell/MuiCache/") || under("/ShellNoRoam/MUICache/"))
@@ -25,7 +30,9 @@ bool IsResidue(const std::string& line) {
   if (under("/Explorer/StreamMRU/")) return !StartsWith(name, "MRUListEx,");
   return StartsWith(line, "/Software/Microsoft/Internet Explorer/TypedURLsTime/url") ||
          under("/Compatibility Assistant/Store/") || under("/Compatibility Assistant/Persisted/") ||
-         under("/Place MRU/Item ") || under("/Trusted Documents/TrustRecords/");
+         under("/Place MRU/Item ") || under("/Trusted Documents/TrustRecords/") ||
+         under("/Microsoft Management Console/Recent File List/File") ||
+         under("/Common/Internet/UseRWHlinkNavigation,SZ,");
 }
 
 TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
@@ -34,13 +41,13 @@ TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
   struct Case {
     const char* hive;
     const char* usrClass;
-    int counts[6];  // in the order of kIds
+    int counts[9];  // in the order of kIds
     std::string shown;
   };
   const Case cases[] = {
-      {"NTUSER-win7.DAT", "", {0, 7, 0, 2, 2, 3}, "Earthforce SA-26 Thunderbolt Star Fury.docx"},
-      {"NTUSER-win10.DAT", "UsrClass-win10.dat", {5, 1, 2, 0, 0, 0}, "url1: 2016-10-05 09:47:50"},
-      {"NTUSER-xp.DAT", "", {0, 0, 4, 0, 0, 0}, "C:\\Program Files\\Java\\jre6\\bin\\jucheck.exe"},
+      {"NTUSER-win7.DAT", "", {0, 7, 0, 2, 2, 3, 2, 2, 1}, "Earthforce SA-26 Thunderbolt Star Fury.docx"},
+      {"NTUSER-win10.DAT", "UsrClass-win10.dat", {5, 1, 2, 0, 0, 0, 0, 0, 0}, "url1: 2016-10-05 09:47:50"},
+      {"NTUSER-xp.DAT", "", {0, 0, 4, 0, 0, 0, 0, 0, 0}, "C:\\Program Files\\Java\\jre6\\bin\\jucheck.exe"},
   };
   std::string ids;
   for (const char* id : kIds) ids += std::string(ids.empty() ? "" : ",") + id;
@@ -84,7 +91,8 @@ TEST(ModernWindowsResidueTest, RealHivesCountedCleanedAndStillReadable) {
       EXPECT_EQ(0, test::Run("printf 'ls\\n' | hivexsh " + Quote(hives[h].string()), &out)) << out;
       const std::set<std::string> after = Listing(hives[h]);
       for (const auto& line : before[h]) {
-        const bool gone = IsResidue(line) || line.find("/StreamMRU/MRUListEx,") != std::string::npos;
+        const bool gone = IsResidue(line) || line.find("/StreamMRU/MRUListEx,") != std::string::npos ||
+                          line.find("/MountPoints2/##") != std::string::npos;
         EXPECT_TRUE(gone || after.count(line)) << "lost: " << line;
       }
       for (const auto& line : after) {

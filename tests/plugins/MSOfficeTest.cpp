@@ -38,6 +38,10 @@ TEST_F(MSOfficeTest, ListsAreEmptiedAndShortcutsSplitBetweenThePlugins) {
   mem.Registry->PutDword(HKEY_CURRENT_USER, excel11, u"Max Display", 4);
   Str(HKEY_CURRENT_USER, excel12, u"Item 1", u"[F00000000][T01C8]*C:\\Daten\\b.xlsx");
   Str(HKEY_CURRENT_USER, kOffice + u"14.0\\Word\\File MRU", u"Item 1", u"[F00000000]*C:\\c.docx");
+  const String link = kOffice + u"14.0\\Common\\Internet";
+  Str(HKEY_CURRENT_USER, link, u"UseRWHlinkNavigation", u"http://example.com/a");
+  // The number a support article tells administrators to set there is a setting.
+  mem.Registry->PutDword(HKEY_CURRENT_USER, kOffice + u"16.0\\Common\\Internet", u"UseRWHlinkNavigation", 1);
   const String recent = RecentFolder(u"Recent");
   Files(recent, {u"a.xls.lnk", u"b.doc.lnk", u"c.dot.lnk", u"d.mdb.lnk", u"e.ppt.lnk", u"f.pub.lnk",
                  u"g.xla.lnk", u"Projekte.lnk", u"index.dat", u"desktop.ini"});
@@ -45,13 +49,16 @@ TEST_F(MSOfficeTest, ListsAreEmptiedAndShortcutsSplitBetweenThePlugins) {
 
   const std::pair<const char16_t*, int> counts[] = {
       {u"MSOfficeRecentResources", 1}, {u"MSOfficeAccess", 1}, {u"MSOfficeExcel", 3},
-      {u"MSOfficePowerPoint", 1},      {u"MSOfficeWord", 3}};
+      {u"MSOfficePowerPoint", 1},      {u"MSOfficeWord", 3},  {u"MSOfficeHyperlink", 1}};
   for (auto [id, n] : counts) EXPECT_EQ(Scan(id), n) << ToUtf8(id);
 
   auto [lost, gained] = CleanAndDiff({u"MSOfficeExcel"});
   EXPECT_EQ(lost, (std::set<String>{u"HKCU\\" + excel11 + u"[File1]=C:\\Daten\\a.xls",
                                     u"HKCU\\" + excel12 + u"[Item 1]=[F00000000][T01C8]*C:\\Daten\\b.xlsx"}));
   EXPECT_EQ(gained, (std::set<String>{u"HKCU\\" + excel11 + u"[File1]=", u"HKCU\\" + excel12 + u"[Item 1]="}));
+  const auto linkChanges = CleanAndDiff({u"MSOfficeHyperlink"});
+  EXPECT_EQ(linkChanges.lost, (std::set<String>{u"HKCU\\" + link + u"[UseRWHlinkNavigation]=http://example.com/a"}));
+  EXPECT_TRUE(linkChanges.gained.empty());
   CleanAndFix({u"MSOfficeRecentResources"});
   EXPECT_EQ(mem.Files->Names(recent),
             (StringList{u"b.doc.lnk", u"c.dot.lnk", u"d.mdb.lnk", u"desktop.ini", u"e.ppt.lnk",
