@@ -306,6 +306,9 @@ class TTCPlugin {
   // False when a stop request ended the walk.
   bool TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
   void DeleteFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
+  // Shreds the files of one folder's listing that the matcher takes.
+  void SecureDeleteMatching(const String& Base, const std::vector<FileInfo>& Files,
+                            const TWildcardMatcher& Matcher);
   void Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const String& ValueName);
   uint8_t ScanForSystemfolder(const String& Folder);
   void SetNewCleaningfolder(const String& Folder);

@@ -136,12 +136,7 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
       }
       std::vector<FileInfo> dirs, files;
       ListFolderEntries(d.Folder, dirs, files, WalkNeeds::Kinds);
-      StringList paths;
-      String base = IncludeTrailingPathDelimiter(d.Folder);
-      for (const auto& f : files) {
-        if (matcher.Match(f.Name)) paths.push_back(base + f.Name);
-      }
-      SecureDeleteFiles(paths);
+      SecureDeleteMatching(IncludeTrailingPathDelimiter(d.Folder), files, matcher);
       break;
     }
   }
@@ -153,11 +148,22 @@ void TTCPlugin::DeleteFilesRecurse(const String& Folder, const TWildcardMatcher&
   if (StopWorking || !ListFolderEntries(Folder, dirs, files, WalkNeeds::Kinds)) return;
   String base = IncludeTrailingPathDelimiter(Folder);
   for (const auto& d : dirs) DeleteFilesRecurse(base + d.Name, Matcher);
+  SecureDeleteMatching(base, files, Matcher);
+}
+
+void TTCPlugin::SecureDeleteMatching(const String& Base, const std::vector<FileInfo>& Files,
+                                     const TWildcardMatcher& Matcher) {
+  // In batches: the full paths and the shredder's look-ups of a folder of 100,000 files would
+  // otherwise all be held at once.
+  constexpr size_t kBatch = 512;
   StringList paths;
-  for (const auto& f : files) {
-    if (Matcher.Match(f.Name)) paths.push_back(base + f.Name);
+  for (size_t i = 0; i < Files.size() && !StopWorking; ++i) {
+    if (Matcher.Match(Files[i].Name)) paths.push_back(Base + Files[i].Name);
+    if (paths.size() == kBatch || (i + 1 == Files.size() && !paths.empty())) {
+      SecureDeleteFiles(paths);
+      paths.clear();
+    }
   }
-  SecureDeleteFiles(paths);
 }
 
 void TTCPlugin::Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const String& ValueName) {

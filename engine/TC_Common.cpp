@@ -13,7 +13,7 @@ bool StopWorking = false;
 bool StopAtOnce = false;
 
 int64_t RoundHalfEven(long double v) {
-  long double r = std::nearbyintl(v);  // default rounding mode: nearest, ties to even
+  long double r = std::rintl(v);  // default rounding mode: nearest, ties to even (no fenv save)
   return static_cast<int64_t>(r);
 }
 

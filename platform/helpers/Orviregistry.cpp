@@ -298,11 +298,16 @@ bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
                           f, entries, needs == WalkNeeds::Sizes ? ListDetail::Sizes : ListDetail::Kinds);
   if (rc != ERROR_SUCCESS) return false;
   if (needs == WalkNeeds::Kinds || needs == WalkNeeds::Sizes) SortByUpperCasedName(entries);
-  for (auto& e : entries) {
-    if (e.IsDevice()) continue;  // no file: opening a pipe could wait forever
-    // A link is a name in this folder, never a way into another.
-    (e.IsDirectory() && !e.IsReparsePoint() ? dirs : files).push_back(std::move(e));
-  }
+  // Split in place: a folder of 100,000 files is not held twice.
+  auto isDir = [](const FileInfo& e) { return e.IsDirectory() && !e.IsReparsePoint(); };
+  for (auto& e : entries)
+    if (isDir(e)) dirs.push_back(std::move(e));
+  // A link is a name in this folder, never a way into another; a device is no file: opening a
+  // pipe could wait forever.
+  entries.erase(std::remove_if(entries.begin(), entries.end(),
+                               [&](const FileInfo& e) { return e.IsDevice() || isDir(e); }),
+                entries.end());
+  files = std::move(entries);
   return true;
 }
 
