@@ -166,11 +166,12 @@ uint32_t TOrviShredderClass::ShredOne(const String& path, const LookedUp& file,
     if (fs.GetInfo(path, full) != ERROR_SUCCESS) full = info;
     fs.SetAttributes(path, full.Attributes & ~FILE_ATTRIBUTE_READONLY);
   }
-  uint32_t rc = Overwrite(path, info.Size);
-  if (rc == ERROR_CANCELLED) return RemoveNameAndFile(path);
+  // An empty file has no content to overwrite and no size to cut: its name alone goes.
+  uint32_t rc = info.Size == 0 ? ERROR_SUCCESS : Overwrite(path, info.Size);
+  if (rc == ERROR_CANCELLED) return RemoveNameAndFile(path, true);
   if (rc != ERROR_SUCCESS) return rc;
   result.Overwritten = true;
-  return RemoveNameAndFile(path);
+  return RemoveNameAndFile(path, info.Size != 0);
 }
 
 uint32_t TOrviShredderClass::Overwrite(const String& path, uint64_t size) {
@@ -200,7 +201,7 @@ uint32_t TOrviShredderClass::Overwrite(const String& path, uint64_t size) {
   return ERROR_SUCCESS;
 }
 
-uint32_t TOrviShredderClass::RemoveNameAndFile(const String& path) {
+uint32_t TOrviShredderClass::RemoveNameAndFile(const String& path, bool truncate) {
   IFileSystem& fs = *Services().Files;
   String folder = ExtractFilePath(path);
   String name = ExtractFileName(path);
@@ -215,7 +216,7 @@ uint32_t TOrviShredderClass::RemoveNameAndFile(const String& path) {
     }
   }
   std::unique_ptr<IFileHandle> file;
-  if (fs.Open(target, OpenMode::ReadWrite, file) == ERROR_SUCCESS) {
+  if (truncate && fs.Open(target, OpenMode::ReadWrite, file) == ERROR_SUCCESS) {
     file->SetSize(0);
     file->Flush();
     file.reset();

@@ -58,7 +58,7 @@ class TOrviShredderClass {
   };
   uint32_t ShredOne(const String& path, const LookedUp& file, TFileResult& result);
   uint32_t Overwrite(const String& path, uint64_t size);
-  uint32_t RemoveNameAndFile(const String& path);
+  uint32_t RemoveNameAndFile(const String& path, bool truncate);
   void Report();
 
   TDeleteMethod method_ = TDeleteMethod::dmZeros;
