@@ -102,9 +102,11 @@ String StreamName(libolecf_item_t* item) {
   return FromUtf16Buffer(buffer);
 }
 
-bool ReadStream(libolecf_item_t* item, NamedStream& out) {
+// A stream is never larger than the file that holds it: a damaged directory entry's size
+// would have it allocate gigabytes.
+bool ReadStream(libolecf_item_t* item, size_t fileSize, NamedStream& out) {
   uint32_t size = 0;
-  if (libolecf_item_get_size(item, &size, nullptr) != 1) return false;
+  if (libolecf_item_get_size(item, &size, nullptr) != 1 || size > fileSize) return false;
   out.Name = StreamName(item);
   out.Data.assign(size, 0);
   return size == 0 ||
@@ -200,7 +202,7 @@ uint32_t LibJumpListFiles::ReadStreams(const Bytes& compoundFile,
         }
         if (libolecf_item_get_type(sub, &type, nullptr) == 1 && type == LIBOLECF_ITEM_TYPE_STREAM) {
           NamedStream stream;
-          if (ReadStream(sub, stream)) streams.push_back(std::move(stream));
+          if (ReadStream(sub, compoundFile.size(), stream)) streams.push_back(std::move(stream));
           else rc = ERROR_INVALID_DATA;
         }
         libolecf_item_free(&sub, nullptr);

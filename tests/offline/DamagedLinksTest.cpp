@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 #include "platform/common/LibJumpListFiles.h"
 #include "platform/common/LibShellItems.h"
@@ -68,7 +70,16 @@ TEST(DamagedLinks, CompoundFileTablesBeyondTheDataAreRefused) {
       {"an allocation table of 4 billion sectors", Compound(0xFFFFFFF0, 0, 0, 2)},
       {"a short-sector table of 16 million sectors", Compound(1, 0x01000000, 0, 2)},
       {"shorter than its header", cut},
+      {},
   };
+  // The demo's jump list with its stream "1" (directory entry 1) claiming 4 GiB.
+  std::ifstream in(TC_DEMO_DIR "/tree/Users/Demo/AppData/Roaming/Microsoft/Windows/"
+                   "Recent/AutomaticDestinations/1b4dd67f29cb1962.automaticDestinations-ms",
+                   std::ios::binary);
+  Bytes huge((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  ASSERT_EQ(13824u, huge.size());
+  std::memset(huge.data() + 0x480 + 0x78, 0xFF, 4);
+  cases[4] = {"a stream of 4 GiB", huge};
   LibJumpListFiles reader(std::make_shared<LibShellItems>());
   for (const auto& c : cases) {
     std::vector<NamedStream> streams;
