@@ -284,14 +284,24 @@ TTCPExplorerMountPoints::TTCPExplorerMountPoints() : TTCPlugin(u"TTCPExplorerMou
                    TTT_FileOrFolderName, FlagOf(TF_Deletable_Per_Item));
 }
 
+namespace {
+
+// The keys of a location that stand for network shares (named "##server#share").
+StringList ShareKeys(const TLD_Registry_AllKeys& d) {
+  StringList keys, shares;
+  EnumRegKeysEx(d.RootKey, d.Key, keys, RO_None);
+  for (String& key : keys)
+    if (IsShareKey(key)) shares.push_back(std::move(key));
+  return shares;
+}
+
+}  // namespace
+
 void TTCPExplorerMountPoints::Scan() {
   TraceCount = 0;
   for (const auto& loc : TraceLocations) {
     const auto& d = loc->As<TLD_Registry_AllKeys>();
-    StringList keys;
-    EnumRegKeysEx(d.RootKey, d.Key, keys, RO_None);
-    for (const String& key : keys) {
-      if (!IsShareKey(key)) continue;
+    for (const String& key : ShareKeys(d)) {
       String share = key;
       std::replace(share.begin(), share.end(), u'#', u'\\');
       ReportTrace(TST_Registry_Key, {d.RootKey, d.Key + u"\\" + key, {}, {}}, loc->TargetType,
@@ -305,10 +315,8 @@ void TTCPExplorerMountPoints::Clean() {
   TraceCount = 0;
   for (const auto& loc : TraceLocations) {
     const auto& d = loc->As<TLD_Registry_AllKeys>();
-    StringList keys;
-    EnumRegKeysEx(d.RootKey, d.Key, keys, RO_None);
-    for (const String& key : keys) {
-      if (!IsShareKey(key) || DeleteRegKey(d.RootKey, d.Key + u"\\" + key, RO_None)) continue;
+    for (const String& key : ShareKeys(d)) {
+      if (DeleteRegKey(d.RootKey, d.Key + u"\\" + key, RO_None)) continue;
       const uint32_t error = GetLastOSError();
       if (error != ERROR_FILE_NOT_FOUND)
         AddCleanFailure(TST_Registry_Key, {d.RootKey, d.Key + u"\\" + key, {}, {}},
