@@ -103,6 +103,8 @@ mapfile -t rows < <(printf '%s\n' "${rows[@]}" | sort)
   echo "$parallel targets at a time on $(nproc) cores (shared with other work). A target run alone later"
   echo "replaces its own row."
   echo "Seeds: the real-world files and test data each target names; the corpus kept between runs."
+  echo "eMule's and eDonkey's known.met have no target: their traces are counted from the file's"
+  echo "size, and their bytes are never read."
   echo
   echo "| target | seeds | executions | per second | coverage (edges) | features | crashes, leaks, time-outs |"
   echo "|---|---|---|---|---|---|---|"
