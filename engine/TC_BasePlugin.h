@@ -263,8 +263,11 @@ class TTCPlugin {
   String Note;
   // What the user must read before this plug-in cleans (shown with the confirmation).
   String Warning;
-  // What the cleans so far removed through the shredder.
+  // What the cleans so far removed through the shredder: how many, and the names of the first
+  // kRemovedNamesKept (a report of what changed needs no list of a million names).
+  static constexpr size_t kRemovedNamesKept = 1000;
   StringList RemovedFiles;
+  int64_t RemovedFileCount = 0;
   int64_t RemovedBytes = 0;
   int64_t ShredTotalSize = 0;
   bool ShredTimerElapsed = false;
@@ -306,9 +309,9 @@ class TTCPlugin {
   // False when a stop request ended the walk.
   bool TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
   void DeleteFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher);
-  // Shreds the files of one folder's listing that the matcher takes.
-  void SecureDeleteMatching(const String& Base, const std::vector<FileInfo>& Files,
-                            const TWildcardMatcher& Matcher);
+  // Shreds the files of one folder that the matcher takes; its sub-folders are left in Dirs.
+  void SecureDeleteMatching(const String& Folder, const TWildcardMatcher& Matcher,
+                            std::vector<FileInfo>& Dirs);
   void Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const String& ValueName);
   uint8_t ScanForSystemfolder(const String& Folder);
   void SetNewCleaningfolder(const String& Folder);

@@ -134,36 +134,37 @@ void TTCPlugin::CleanLocation(const TTraceLocation& loc) {
         DeleteFilesRecurse(d.Folder, matcher);
         break;
       }
-      std::vector<FileInfo> dirs, files;
-      ListFolderEntries(d.Folder, dirs, files, WalkNeeds::Kinds);
-      SecureDeleteMatching(IncludeTrailingPathDelimiter(d.Folder), files, matcher);
+      std::vector<FileInfo> dirs;
+      SecureDeleteMatching(d.Folder, matcher, dirs);
       break;
     }
   }
 }
 
 void TTCPlugin::DeleteFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
-  std::vector<FileInfo> dirs, files;
-  // The shredder looks each file up itself: the walk needs names and kinds only.
-  if (StopWorking || !ListFolderEntries(Folder, dirs, files, WalkNeeds::Kinds)) return;
+  if (StopWorking) return;
+  std::vector<FileInfo> dirs;
+  SecureDeleteMatching(Folder, Matcher, dirs);
   String base = IncludeTrailingPathDelimiter(Folder);
   for (const auto& d : dirs) DeleteFilesRecurse(base + d.Name, Matcher);
-  SecureDeleteMatching(base, files, Matcher);
 }
 
-void TTCPlugin::SecureDeleteMatching(const String& Base, const std::vector<FileInfo>& Files,
-                                     const TWildcardMatcher& Matcher) {
-  // In batches: the full paths and the shredder's look-ups of a folder of 100,000 files would
-  // otherwise all be held at once.
+void TTCPlugin::SecureDeleteMatching(const String& Folder, const TWildcardMatcher& Matcher,
+                                     std::vector<FileInfo>& Dirs) {
+  // In batches while the folder is read: the names, full paths and the shredder's look-ups of
+  // a folder of 100,000 files are never all held at once. The shredder looks each file up.
   constexpr size_t kBatch = 512;
+  const String base = IncludeTrailingPathDelimiter(Folder);
   StringList paths;
-  for (size_t i = 0; i < Files.size() && !StopWorking; ++i) {
-    if (Matcher.Match(Files[i].Name)) paths.push_back(Base + Files[i].Name);
-    if (paths.size() == kBatch || (i + 1 == Files.size() && !paths.empty())) {
+  VisitFolderFiles(Folder, Dirs, ListDetail::Kinds, [&](const FileInfo& f) {
+    if (Matcher.Match(f.Name)) paths.push_back(base + f.Name);
+    if (paths.size() == kBatch) {
       SecureDeleteFiles(paths);
       paths.clear();
     }
-  }
+    return !StopWorking;
+  });
+  if (!paths.empty() && !StopWorking) SecureDeleteFiles(paths);
 }
 
 void TTCPlugin::Cleaning_EmptyRegValue(HKEY RootKey, const String& Key, const String& ValueName) {

@@ -194,24 +194,32 @@ bool TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
         ++filesFound;  // a recursive location counts as found, there or not
         return TraceFilesRecurse(d.Folder, matcher);
       }
-      // Sizes only where the location's option tests them; name order only for a preview.
+      // Sizes only where the location's option tests them; name order only for a preview,
+      // which lists the folder first; a count reads it as it goes.
       const bool sizes = Contains(d.Options, LO_NonEmptyFilesOnly);
-      std::vector<FileInfo> dirs, files;
-      bool listed = ListFolderEntries(
-          d.Folder, dirs, files,
-          sizes ? WalkNeeds::Sizes : OnPreviewTrace ? WalkNeeds::Kinds : WalkNeeds::KindsUnordered);
-      if (listed || DirExists(ExcludeTrailingPathDelimiter(d.Folder)))
-        ++filesFound;
-      for (const auto& f : files) {
+      bool stopped = false;
+      auto count = [&](const FileInfo& f) {
         Services().UI->ProcessMessages();
-        if (!matcher.Match(f.Name)) continue;
+        if (!matcher.Match(f.Name)) return true;
         // The listing's size stands for the look-up: one enumeration per folder.
-        if (Contains(d.Options, LO_NonEmptyFilesOnly) && f.Size == 0) continue;
-        if (!next(f.Name)) return false;
+        if (sizes && f.Size == 0) return true;
+        if (!next(f.Name)) return !(stopped = true);
         ReportTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, d.Folder + f.Name},
                     loc.TargetType, loc.Flags, {});
         ++TraceCount;
-      }
+        return true;
+      };
+      std::vector<FileInfo> dirs, files;
+      bool listed = OnPreviewTrace
+                        ? ListFolderEntries(d.Folder, dirs, files,
+                                            sizes ? WalkNeeds::Sizes : WalkNeeds::Kinds)
+                        : VisitFolderFiles(d.Folder, dirs,
+                                           sizes ? ListDetail::Sizes : ListDetail::Kinds, count);
+      if (listed || DirExists(ExcludeTrailingPathDelimiter(d.Folder)))
+        ++filesFound;
+      for (const auto& f : files)
+        if (!count(f)) break;
+      if (stopped) return false;
       break;
     }
   }
@@ -220,20 +228,27 @@ bool TTCPlugin::ScanLocation(const TTraceLocation& loc, int& registryFound, int&
 
 bool TTCPlugin::TraceFilesRecurse(const String& Folder, const TWildcardMatcher& Matcher) {
   std::vector<FileInfo> dirs, files;
-  // Counting needs names only, in any order; a preview wants the sizes too.
-  if (!ListFolderEntries(Folder, dirs, files,
-                         OnPreviewTrace ? WalkNeeds::Sizes : WalkNeeds::KindsUnordered))
-    return true;
   String base = IncludeTrailingPathDelimiter(Folder);
-  for (const auto& d : dirs)
-    if (!TraceFilesRecurse(base + d.Name, Matcher)) return false;
-  for (const auto& f : files) {
-    if (!Matcher.Match(f.Name)) continue;
-    if (!ShowScanItem(f.Name, false)) return false;
+  bool stopped = false;
+  auto count = [&](const FileInfo& f) {
+    if (!Matcher.Match(f.Name)) return true;
+    if (!ShowScanItem(f.Name, false)) return !(stopped = true);
     PreviewTrace(TST_FileSystem_File, {kNoRootKey, {}, {}, base + f.Name}, TTT_FileName, 0, {},
                  static_cast<int64_t>(f.Size));
     ++TraceCount;
+    return true;
+  };
+  // Counting reads each folder as it goes, in any order; a preview lists it, sizes and all.
+  if (OnPreviewTrace) {
+    if (!ListFolderEntries(Folder, dirs, files, WalkNeeds::Sizes)) return true;
+  } else if (!VisitFolderFiles(Folder, dirs, ListDetail::Kinds, count)) {
+    return true;
   }
+  if (stopped) return false;
+  for (const auto& d : dirs)
+    if (!TraceFilesRecurse(base + d.Name, Matcher)) return false;
+  for (const auto& f : files)
+    if (!count(f)) return false;
   return true;
 }
 

@@ -26,7 +26,8 @@ void TTCPlugin::BookShredJob(const TOrviShredderClass& job, bool inUseScheduled)
   for (size_t i = 0; i < job.Results.size() && i < job.Files.size(); ++i) {
     const auto& r = job.Results[i];
     if (r.Error == ERROR_SUCCESS) {
-      RemovedFiles.push_back(job.Files[i]);
+      if (RemovedFiles.size() < kRemovedNamesKept) RemovedFiles.push_back(job.Files[i]);
+      ++RemovedFileCount;
       RemovedBytes += static_cast<int64_t>(r.Size);
       if (r.Shared) {
         const String said = u"the content of " + job.Files[i] +

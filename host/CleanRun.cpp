@@ -222,6 +222,7 @@ ExitCode RunClean(const Options& options, Session& session, TOrviMRU& mru, Trace
     PluginRecord& r = recordOf(p);
     r.Kept = KeptOf(p);
     r.RemovedFiles = p->RemovedFiles;
+    r.RemovedFileCount = p->RemovedFileCount;
     r.RemovedBytes = p->RemovedBytes;
     int unscheduled = 0;
     for (const auto& f : report.Failures) {
@@ -230,7 +231,7 @@ ExitCode RunClean(const Options& options, Session& session, TOrviMRU& mru, Trace
       unscheduled += !f.Scheduled;
     }
     if (r.Cleaned && r.Remaining < 0)
-      r.Remaining = std::max(0, r.TraceCount - static_cast<int>(r.RemovedFiles.size()));
+      r.Remaining = std::max<int64_t>(0, r.TraceCount - r.RemovedFileCount);
     if (r.Cleaned) r.Left = std::max(unscheduled, r.Remaining - r.Kept - r.Scheduled);
     r.Outcome = CleanOutcome(r.Cleaned, !r.Error.empty() && r.Cleaned, r.TraceCount, r.Left);
     if (p == interrupted || (report.Stopped && !r.Cleaned) || StopAtOnce) {

@@ -73,13 +73,14 @@ json PluginJson(const RunReport& r, const PluginRecord& p) {
     o["kept"] = p.Kept;
     o["left"] = p.Left;
     o["scheduled"] = p.Scheduled;
-    o["removedFiles"] = p.RemovedFiles.size();
+    o["removedFiles"] = p.RemovedFileCount;
     o["removedBytes"] = p.RemovedBytes;
     if (!p.Error.empty()) o["error"] = p.Error;
     if (!r.Fatal.empty()) {
       json files = json::array();
       for (const auto& f : p.RemovedFiles) files.push_back(Readable(f));
       o["removedFileNames"] = std::move(files);
+      o["removedFileNamesLeftOut"] = p.RemovedFileCount - static_cast<int64_t>(p.RemovedFiles.size());
     }
   }
   if (r.WithTraces) {
@@ -133,7 +134,8 @@ void PrintJson(const RunReport& r, std::ostream& out) {
   json plugins = json::array();
   json totals = {{"plugins", 0}, {"traces", 0}};
   int64_t bytes = 0, removedBytes = 0;
-  int remaining = 0, kept = 0, left = 0, scheduled = 0, removedFiles = 0;
+  int remaining = 0, kept = 0, left = 0, scheduled = 0;
+  int64_t removedFiles = 0;
   bool haveBytes = false;
   for (const auto& p : r.Plugins) {
     if (!Listed(r, p)) continue;
@@ -149,7 +151,7 @@ void PrintJson(const RunReport& r, std::ostream& out) {
     kept += p.Kept;
     left += p.Left;
     scheduled += p.Scheduled;
-    removedFiles += static_cast<int>(p.RemovedFiles.size());
+    removedFiles += p.RemovedFileCount;
     removedBytes += p.RemovedBytes;
   }
   if (haveBytes) totals["bytes"] = bytes;

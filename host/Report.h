@@ -55,7 +55,8 @@ struct PluginRecord {
   int Kept = 0;           // kept on purpose (keep-lists)
   int Left = 0;           // should have gone and did not
   int Scheduled = 0;      // removed at the next start of Windows
-  StringList RemovedFiles;
+  StringList RemovedFiles;  // the first names of them, for the report of a fatal stop
+  int64_t RemovedFileCount = 0;
   int64_t RemovedBytes = 0;
   TCleanOutcome Outcome = CO_Skipped;
 };

@@ -130,12 +130,15 @@ void PrintText(const RunReport& r, std::ostream& out) {
   if (!r.Fatal.empty()) {
     out << "tracecleaner: " << r.Fatal << "\n";
     out << "Already changed on the disk:\n";
-    int files = 0;
-    for (const auto& p : r.Plugins)
-      for (const auto& f : p.RemovedFiles) {
+    int64_t files = 0;
+    for (const auto& p : r.Plugins) {
+      for (const auto& f : p.RemovedFiles)
         out << "  removed " << Readable(f) << " (" << Readable(p.ID) << ")\n";
-        ++files;
-      }
+      if (p.RemovedFileCount > static_cast<int64_t>(p.RemovedFiles.size()))
+        out << "  removed " << p.RemovedFileCount - static_cast<int64_t>(p.RemovedFiles.size())
+            << " more files (" << Readable(p.ID) << ")\n";
+      files += p.RemovedFileCount;
+    }
     for (const auto& h : r.HivesWritten) out << "  written " << h << "\n";
     if (files == 0 && r.HivesWritten.empty()) out << "  nothing\n";
     out << "Not changed (these hives keep what they held, registry removals included):\n";

@@ -1,5 +1,6 @@
 // The Windows file system as a service.
 #pragma once
+#include <functional>
 #include <memory>
 
 #include "WinTypes.h"
@@ -70,6 +71,16 @@ class IFileSystem {
                                    ListDetail detail) {
     (void)detail;
     return ListFolder(folder, entries);
+  }
+  // The entries of ListFolderNames handed over one at a time, so a walk of a huge folder need
+  // not hold its listing; `visit` returns false to stop. Entries may be removed meanwhile.
+  virtual uint32_t VisitFolderNames(const String& folder, ListDetail detail,
+                                    const std::function<bool(FileInfo&)>& visit) {
+    std::vector<FileInfo> entries;
+    uint32_t rc = ListFolderNames(folder, entries, detail);
+    for (size_t i = 0; rc == ERROR_SUCCESS && i < entries.size(); ++i)
+      if (!visit(entries[i])) break;
+    return rc;
   }
   virtual uint32_t GetInfo(const String& path, FileInfo& info) = 0;
   // GetInfo that may leave out the hidden and system bits where they cost a look-up of

@@ -284,13 +284,22 @@ void SortByUpperCasedName(std::vector<FileInfo>& entries) {
 }
 
 
+namespace {
+// The folder as the backend lists it: "C:" means the drive's root; empty when there is none.
+String ListableFolder(const String& folder) {
+  String f = ExcludeTrailingPathDelimiter(folder);
+  if (f.size() == 2 && f[1] == u':') f += kPathDelim;
+  return f;
+}
+bool IsWalkedFolder(const FileInfo& e) { return e.IsDirectory() && !e.IsReparsePoint(); }
+}  // namespace
+
 bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
                        std::vector<FileInfo>& files, WalkNeeds needs) {
   dirs.clear();
   files.clear();
   std::vector<FileInfo> entries;
-  String f = ExcludeTrailingPathDelimiter(folder);
-  if (f.size() == 2 && f[1] == u':') f += kPathDelim;
+  String f = ListableFolder(folder);
   if (f.empty()) return false;
   uint32_t rc = needs == WalkNeeds::Everything
                     ? Fs().ListFolder(f, entries)
@@ -299,16 +308,27 @@ bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
   if (rc != ERROR_SUCCESS) return false;
   if (needs == WalkNeeds::Kinds || needs == WalkNeeds::Sizes) SortByUpperCasedName(entries);
   // Split in place: a folder of 100,000 files is not held twice.
-  auto isDir = [](const FileInfo& e) { return e.IsDirectory() && !e.IsReparsePoint(); };
   for (auto& e : entries)
-    if (isDir(e)) dirs.push_back(std::move(e));
+    if (IsWalkedFolder(e)) dirs.push_back(std::move(e));
   // A link is a name in this folder, never a way into another; a device is no file: opening a
   // pipe could wait forever.
   entries.erase(std::remove_if(entries.begin(), entries.end(),
-                               [&](const FileInfo& e) { return e.IsDevice() || isDir(e); }),
+                               [&](const FileInfo& e) { return e.IsDevice() || IsWalkedFolder(e); }),
                 entries.end());
   files = std::move(entries);
   return true;
+}
+
+bool VisitFolderFiles(const String& folder, std::vector<FileInfo>& dirs, ListDetail detail,
+                      const std::function<bool(FileInfo&)>& file) {
+  dirs.clear();
+  String f = ListableFolder(folder);
+  if (f.empty()) return false;
+  return Fs().VisitFolderNames(f, detail, [&](FileInfo& e) {
+    if (IsWalkedFolder(e)) dirs.push_back(std::move(e));
+    else if (!e.IsDevice()) return file(e);
+    return true;
+  }) == ERROR_SUCCESS;
 }
 
 bool EnumFiles(const String& folder, StringList& names, const String& mask) {

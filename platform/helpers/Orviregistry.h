@@ -82,6 +82,11 @@ enum class WalkNeeds : uint8_t {
 // left out. Name order is ascending by upper-cased name.
 bool ListFolderEntries(const String& folder, std::vector<FileInfo>& dirs,
                        std::vector<FileInfo>& files, WalkNeeds needs = WalkNeeds::Everything);
+// The same split for a walk that needs no name order and must not hold a huge folder's
+// listing: files are handed to `file` while the folder is read (false stops), sub-folders
+// collected in `dirs`. False when the folder cannot be listed.
+bool VisitFolderFiles(const String& folder, std::vector<FileInfo>& dirs, ListDetail detail,
+                      const std::function<bool(FileInfo&)>& file);
 
 // Private-profile string of an ini file.
 String GetPPString(const String& section, const String& key, const String& def,

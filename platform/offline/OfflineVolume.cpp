@@ -184,6 +184,14 @@ uint32_t OfflineVolume::ListFolder(const String& folder, std::vector<FileInfo>& 
 uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileInfo>& entries,
                                        ListDetail detail) {
   entries.clear();
+  return VisitFolderNames(folder, detail, [&](FileInfo& e) {
+    entries.push_back(std::move(e));
+    return true;
+  });
+}
+
+uint32_t OfflineVolume::VisitFolderNames(const String& folder, ListDetail detail,
+                                        const std::function<bool(FileInfo&)>& visit) {
   std::string host;
   uint32_t rc = drives_.Resolve(folder, LastLink::Refuse, false, host);
   if (rc != ERROR_SUCCESS) return rc == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : rc;
@@ -194,16 +202,17 @@ uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileIn
     if (std::strcmp(e->d_name, ".") == 0 || std::strcmp(e->d_name, "..") == 0) continue;
     unsigned char type = e->d_type;
     struct stat st {};
+    FileInfo info;
     // File systems that keep no type in the directory, and files whose size is asked.
     if (type == DT_UNKNOWN || (sizes && type == DT_REG)) {
       if (fstatat(dirfd(dir), e->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
       type = IFTODT(st.st_mode);
       if (sizes && type == DT_REG) {
-        entries.push_back(InfoFromStat(e->d_name, st, host));
+        info = InfoFromStat(e->d_name, st, host);
+        if (!visit(info)) break;
         continue;
       }
     }
-    FileInfo info;
     info.Name = FromUtf8Lossless(e->d_name);
     if (type == DT_LNK) {
       info.Attributes = FILE_ATTRIBUTE_REPARSE_POINT;
@@ -214,7 +223,7 @@ uint32_t OfflineVolume::ListFolderNames(const String& folder, std::vector<FileIn
     } else if (type != DT_REG) {
       info.Attributes = FILE_ATTRIBUTE_DEVICE;
     }
-    entries.push_back(std::move(info));
+    if (!visit(info)) break;
   }
   closedir(dir);
   return ERROR_SUCCESS;

@@ -24,6 +24,8 @@ class OfflineVolume : public IFileSystem {
   // From the directory's own entry types: no attribute read per file, a stat only for sizes.
   uint32_t ListFolderNames(const String& folder, std::vector<FileInfo>& entries,
                            ListDetail detail) override;
+  uint32_t VisitFolderNames(const String& folder, ListDetail detail,
+                            const std::function<bool(FileInfo&)>& visit) override;
   uint32_t GetInfo(const String& path, FileInfo& info) override;
   uint32_t GetBasicInfo(const String& path, FileInfo& info) override;
   uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) override;

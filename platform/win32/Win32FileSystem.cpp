@@ -155,6 +155,22 @@ class Win32FileHandle : public IFileHandle {
 
 uint32_t Win32FileSystem::ListFolder(const String& folder, std::vector<FileInfo>& entries) {
   entries.clear();
+  uint32_t rc = VisitFolderNames(folder, ListDetail::Sizes, [&](FileInfo& e) {
+    entries.push_back(std::move(e));
+    return true;
+  });
+  if (rc != ERROR_SUCCESS) {
+    entries.clear();
+    return rc;
+  }
+  std::stable_sort(entries.begin(), entries.end(), [](const FileInfo& a, const FileInfo& b) {
+    return UpperCase(a.Name) < UpperCase(b.Name);
+  });
+  return ERROR_SUCCESS;
+}
+
+uint32_t Win32FileSystem::VisitFolderNames(const String& folder, ListDetail /*detail*/,
+                                           const std::function<bool(FileInfo&)>& visit) {
   if (uint32_t rc = CrossesLink(folder, true)) return rc;
   String pattern = folder;
   if (pattern.empty() || pattern.back() != kPathDelim) pattern += kPathDelim;
@@ -170,21 +186,19 @@ uint32_t Win32FileSystem::ListFolder(const String& folder, std::vector<FileInfo>
     if (e == ERROR_FILE_NOT_FOUND || e == ERROR_NO_MORE_FILES) return ERROR_SUCCESS;
     return MapNativeError(e);
   }
+  // The find data carries everything a walk asks: no look-up per entry.
   do {
     const std::wstring_view name(data.cFileName);
     if (name == L"." || name == L"..") continue;
-    entries.push_back(InfoOf(data));
+    FileInfo info = InfoOf(data);
+    if (!visit(info)) {
+      FindClose(find);
+      return ERROR_SUCCESS;
+    }
   } while (FindNextFileW(find, &data));
   const DWORD e = GetLastError();
   FindClose(find);
-  if (e != ERROR_NO_MORE_FILES) {
-    entries.clear();
-    return MapNativeError(e);
-  }
-  std::stable_sort(entries.begin(), entries.end(), [](const FileInfo& a, const FileInfo& b) {
-    return UpperCase(a.Name) < UpperCase(b.Name);
-  });
-  return ERROR_SUCCESS;
+  return e == ERROR_NO_MORE_FILES ? ERROR_SUCCESS : MapNativeError(e);
 }
 
 uint32_t Win32FileSystem::GetInfo(const String& path, FileInfo& info) {

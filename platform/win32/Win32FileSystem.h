@@ -12,6 +12,8 @@ namespace tc {
 class Win32FileSystem : public IFileSystem {
  public:
   uint32_t ListFolder(const String& folder, std::vector<FileInfo>& entries) override;
+  uint32_t VisitFolderNames(const String& folder, ListDetail detail,
+                            const std::function<bool(FileInfo&)>& visit) override;
   uint32_t GetInfo(const String& path, FileInfo& info) override;
   uint32_t Open(const String& path, OpenMode mode, std::unique_ptr<IFileHandle>& file) override;
   uint32_t RemoveFile(const String& path) override;

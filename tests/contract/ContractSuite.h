@@ -26,6 +26,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "platform/Platform.h"
@@ -283,6 +284,27 @@ TYPED_TEST_P(ContractTest, ListFolderIsAscendingByUpperCasedName) {
     EXPECT_EQ(folder, e.IsDirectory()) << ToUtf8(e.Name);
     EXPECT_EQ(folder ? e.Size : 1u, e.Size) << ToUtf8(e.Name);
   }
+}
+
+TYPED_TEST_P(ContractTest, AWalkRemovesFilesWhileItReadsTheFolder) {
+  for (size_t i = 0; i < kUnorderedNames.size(); ++i)
+    ASSERT_EQ(ERROR_SUCCESS, i % 2 ? this->Files().MakeFolder(this->Path(kUnorderedNames[i]))
+                                   : this->Write(this->Path(kUnorderedNames[i]), "x"));
+  int seen = 0;
+  EXPECT_EQ(ERROR_SUCCESS, this->Files().VisitFolderNames(this->folder_, ListDetail::Kinds,
+                                                          [&](FileInfo&) { return ++seen < 2; }));
+  EXPECT_EQ(2, seen);  // false stops the walk
+  std::multiset<String> visited, folders;
+  ASSERT_EQ(ERROR_SUCCESS, this->Files().VisitFolderNames(
+                               this->folder_, ListDetail::Kinds, [&](FileInfo& e) {
+                                 visited.insert(e.Name);
+                                 if (e.IsDirectory()) folders.insert(e.Name);
+                                 else EXPECT_EQ(ERROR_SUCCESS, this->Files().RemoveFile(this->Path(e.Name)));
+                                 return true;
+                               }));
+  EXPECT_EQ(std::multiset<String>(kUnorderedNames.begin(), kUnorderedNames.end()), visited);
+  const StringList left = this->Listing(this->folder_);
+  EXPECT_EQ(folders, std::multiset<String>(left.begin(), left.end()));
 }
 
 TYPED_TEST_P(ContractTest, PathsIgnoreCaseAndNamesKeepIt) {
@@ -652,6 +674,7 @@ TYPED_TEST_P(ContractTest, JumpListStreamsAndLinkTargetsAreRead) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(ContractTest, KnownFoldersAreTheShellFoldersOfOldAndUnknownIdsAreMissing,
+                            AWalkRemovesFilesWhileItReadsTheFolder,
                             ShellItemListsAreNamedItemByItem, JumpListStreamsAndLinkTargetsAreRead, ValuesEnumerateInCreationOrder,
                             KeysEnumerateAscendingByUpperCasedName,
                             RegistryNamesIgnoreCaseAndKeepIt, ValueTypesRoundTripByteForByte,

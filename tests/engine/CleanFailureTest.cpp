@@ -4,6 +4,7 @@
 
 #include "EngineFixture.h"
 #include "platform/common/FaultInjection.h"
+#include "platform/helpers/Stringhelper.h"
 
 namespace tc {
 namespace {
@@ -106,6 +107,15 @@ TEST_F(CleanFailureTest, RemovedFilesAndTheirBytesAreBooked) {
   EXPECT_FALSE(p.SecureDeleteFiles({kDir + u"a.log", kDir + u"b.log"}));
   EXPECT_EQ(StringList{kDir + u"a.log"}, p.RemovedFiles);
   EXPECT_EQ(5, p.RemovedBytes);
+  // Past the names kept for the report, removals are counted only.
+  StringList many;
+  for (size_t i = 0; i < TTCPlugin::kRemovedNamesKept + 1; ++i) {
+    many.push_back(kDir + u"m" + IntToStr(int64_t(i)) + u".log");
+    WriteFile(many.back(), "1");
+  }
+  EXPECT_TRUE(p.SecureDeleteFiles(many));
+  EXPECT_EQ(TTCPlugin::kRemovedNamesKept, p.RemovedFiles.size());
+  EXPECT_EQ(int64_t(TTCPlugin::kRemovedNamesKept) + 2, p.RemovedFileCount);
 }
 
 TEST(CleanOutcomeTest, FollowsFromWhatRanAndWhatIsLeft) {
