@@ -24,24 +24,6 @@ Bytes Link(uint32_t flags, const Bytes& rest) {
   return b;
 }
 
-TEST(DamagedLinks, SizesBeyondTheDataAreRefused) {
-  struct Case {
-    const char* what;
-    Bytes link;
-  } cases[] = {
-      {"link information of 512 MiB", Link(0x2, {0x04, 0x00, 0x00, 0x20, 0x1C, 0, 0, 0})},
-      {"an item list longer than the file", Link(0x1, {0xFF, 0xFF, 0x14, 0x00})},
-      {"a name of 65,535 characters", Link(0x4, {0xFF, 0xFF, 'a', 0})},
-      {"an extra block of 4 GiB", Link(0x0, {0xFB, 0xFF, 0xFF, 0xFF, 0x02, 0x00, 0x00, 0xA0})},
-  };
-  LibJumpListFiles reader(std::make_shared<LibShellItems>());
-  for (const auto& c : cases) {
-    String target;
-    EXPECT_NE(0u, reader.ReadLink(c.link, target)) << c.what;
-    EXPECT_TRUE(target.empty()) << c.what;
-  }
-}
-
 // A compound file header of 512-byte sectors whose table counts are these, then `sectors`
 // empty sectors.
 Bytes Compound(uint32_t tableSectors, uint32_t shortSectors, uint32_t masterSectors, int sectors) {
@@ -59,17 +41,22 @@ Bytes Compound(uint32_t tableSectors, uint32_t shortSectors, uint32_t masterSect
   return b;
 }
 
-TEST(DamagedLinks, CompoundFileTablesBeyondTheDataAreRefused) {
+TEST(DamagedLinks, SizesAndTablesBeyondTheDataAreRefused) {
   Bytes cut = Compound(1, 0, 0, 0);
   cut.resize(300);
   struct Case {
     const char* what;
-    Bytes file;
+    Bytes bytes;
+    bool link;  // else a jump list
   } cases[] = {
-      {"a master table of 6.9 million sectors", Compound(1, 0, 0x00690067, 2)},
-      {"an allocation table of 4 billion sectors", Compound(0xFFFFFFF0, 0, 0, 2)},
-      {"a short-sector table of 16 million sectors", Compound(1, 0x01000000, 0, 2)},
-      {"shorter than its header", cut},
+      {"link information of 512 MiB", Link(0x2, {0x04, 0x00, 0x00, 0x20, 0x1C, 0, 0, 0}), true},
+      {"an item list longer than the file", Link(0x1, {0xFF, 0xFF, 0x14, 0x00}), true},
+      {"a name of 65,535 characters", Link(0x4, {0xFF, 0xFF, 'a', 0}), true},
+      {"an extra block of 4 GiB", Link(0x0, {0xFB, 0xFF, 0xFF, 0xFF, 0x02, 0x00, 0x00, 0xA0}), true},
+      {"a master table of 6.9 million sectors", Compound(1, 0, 0x00690067, 2), false},
+      {"an allocation table of 4 billion sectors", Compound(0xFFFFFFF0, 0, 0, 2), false},
+      {"a short-sector table of 16 million sectors", Compound(1, 0x01000000, 0, 2), false},
+      {"shorter than its header", cut, false},
       {},
   };
   // The demo's jump list with its stream "1" (directory entry 1) claiming 4 GiB.
@@ -79,12 +66,14 @@ TEST(DamagedLinks, CompoundFileTablesBeyondTheDataAreRefused) {
   Bytes huge((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   ASSERT_EQ(13824u, huge.size());
   std::memset(huge.data() + 0x480 + 0x78, 0xFF, 4);
-  cases[4] = {"a stream of 4 GiB", huge};
+  cases[std::size(cases) - 1] = {"a stream of 4 GiB", huge, false};
   LibJumpListFiles reader(std::make_shared<LibShellItems>());
   for (const auto& c : cases) {
+    String target;
     std::vector<NamedStream> streams;
-    EXPECT_NE(0u, reader.ReadStreams(c.file, streams)) << c.what;
-    EXPECT_TRUE(streams.empty()) << c.what;
+    EXPECT_NE(0u, c.link ? reader.ReadLink(c.bytes, target) : reader.ReadStreams(c.bytes, streams))
+        << c.what;
+    EXPECT_TRUE(target.empty() && streams.empty()) << c.what;
   }
 }
 
