@@ -79,17 +79,6 @@ TEST_F(BrowserFuncsTest, ApplicationRegistryIsSearchedAsSixteenBitText) {
   }
 }
 
-// A real application registry names its profile with an 8-bit token: no profile is found.
-TEST_F(BrowserFuncsTest, RealApplicationRegistryYieldsNoProfile) {
-  TC_REAL_FILE(appreg, "mozilla-suite/appreg");
-  ASSERT_NE(appreg.find(std::string("directory") + '\0'), std::string::npos);
-  File(kAppData + u"Mozilla\\registry.dat", appreg);
-  mem.Files->AddFolder(u"C:\\home\\hendry\\.mozilla\\default\\ack41g03.slt");
-  TBrowserProfileList list;
-  GetNetscape_MozillaProfiles(list);
-  EXPECT_TRUE(list.empty());
-}
-
 TEST_F(BrowserFuncsTest, MozillaProductsByKeyName) {
   const struct {
     const char* what;

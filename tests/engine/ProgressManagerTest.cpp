@@ -56,20 +56,5 @@ TEST_F(ProgressManagerTest, ClearKeepsTotalItemsAndRepeatedNamesKeepCounting) {
   EXPECT_EQ(twice.TotalProgress(), 500);
 }
 
-TEST_F(ProgressManagerTest, EndItemLogsTimePerWeightUnit) {
-  TProgressManager pm;
-  pm.AddItem(u"scan", 1, 4);
-  pm.AddItem(u"free", 1, 0);
-  pm.BeginItem(u"scan");
-  AdvanceClock(1000);
-  pm.EndItem(u"scan");
-  pm.EndItem(u"free");
-  pm.EndItem(u"unknown");
-  ASSERT_EQ(pm.Log().size(), 2u);
-  // Name in 30 columns, five blanks, weight in 6, four blanks, ms per weight in 10.
-  EXPECT_EQ(pm.Log()[0], u"scan" + String(26 + 5 + 5, u' ') + u"4    250.000000");
-  EXPECT_EQ(pm.Log()[1], u"free" + String(26 + 5 + 5, u' ') + u"0      0.000000");
-}
-
 }  // namespace
 }  // namespace tc

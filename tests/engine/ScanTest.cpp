@@ -242,7 +242,6 @@ TEST_F(ScanTest, UserAssistDecodingTable) {
     TTraceFlags flags;
   };
   const Case cases[] = {
-      {u"UEME_RUNPATH:C:\\x\\y.exe", u"C:\\x\\y.exe", 0},
       {u"UEME_RUNPATH:Q:\\x.exe", u"", 0},  // not on a fixed drive
       {u"UEME_RUNPIDL:%CSIDL2%\\Zubehör\\a.lnk", u"Zubehör\\a.lnk", FlagOf(TF_StartMenu_SubFolder)},
       {u"UEME_RUNPIDL:%csidl5%\\a.lnk", u"", 0},

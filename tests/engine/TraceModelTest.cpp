@@ -30,8 +30,7 @@ TEST_F(TraceModelTest, SetPluginStatusTouchesSortOrderOnlyForNonNegativeOrders) 
   EXPECT_FALSE(p.Active);
   EXPECT_EQ(p.SortOrder, 0);
   SetPluginStatus(u"Unknown", true, 3);  // ignored silently
-  SetAllPluginStatus(true);
-  EXPECT_TRUE(p.Active);
+  EXPECT_FALSE(p.Active);
 }
 
 TEST_F(TraceModelTest, NotCleanedRecordsAreNeverMerged) {

