@@ -9,6 +9,8 @@ namespace {
 using namespace test;
 
 const std::string kExplorer = "/Software/Microsoft/Windows/CurrentVersion/Explorer/";
+const char* const kListIds[] = {"ExplorerUserAssist", "ComDlgPidlMRU", "ExplorerSearchTerms",
+                                "ExplorerTypedPaths"};
 const std::string kLists = "ExplorerUserAssist,ComDlgPidlMRU,ExplorerSearchTerms,ExplorerTypedPaths";
 
 // An image of one profile made of the real hives: NTUSER.DAT, and UsrClass.dat if named.
@@ -30,22 +32,20 @@ TEST(ModernWindowsTest, ScanCountsTheListsOfWindows7And10) {
   TC_SKIP_WITHOUT_REALWORLD();
   struct Case {
     const char* hive;
-    int userAssist, comDlg, search, typed;
+    int counts[4];  // in the order of kLists
     std::string shown;  // in the preview of ComDlgPidlMRU, else of ExplorerUserAssist
   };
   const Case cases[] = {
-      {"NTUSER-win7.DAT", 92, 48, 2, 1, "C:\\Program Files"},
-      {"NTUSER-win10.DAT", 15, 7, 0, 0, "ash.png"},
+      {"NTUSER-win7.DAT", {92, 48, 2, 1}, "C:\\Program Files"},
+      {"NTUSER-win10.DAT", {15, 7, 0, 0}, "ash.png"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.hive);
     TempDir dir;
     const fs::path image = RealImage(dir, c.hive, "");
     json scan = RunJson("scan --traces --plugins " + kLists + " --image " + Quote(image.string()));
-    EXPECT_EQ(c.userAssist, PluginOf(scan, "ExplorerUserAssist")["traceCount"]);
-    EXPECT_EQ(c.comDlg, PluginOf(scan, "ComDlgPidlMRU")["traceCount"]);
-    EXPECT_EQ(c.search, PluginOf(scan, "ExplorerSearchTerms")["traceCount"]);
-    EXPECT_EQ(c.typed, PluginOf(scan, "ExplorerTypedPaths")["traceCount"]);
+    for (size_t i = 0; i < 4; ++i)
+      EXPECT_EQ(c.counts[i], PluginOf(scan, kListIds[i])["traceCount"]) << kListIds[i];
     std::string shown;
     for (const char* id : {"ComDlgPidlMRU", "ExplorerUserAssist"})
       for (const auto& t : PluginOf(scan, id)["traces"]) shown += t["data"].get<std::string>() + "\n";

@@ -61,8 +61,7 @@ TEST(RulesFileTest, TextIsUtf8Utf16OrAnsiAndAnythingElseIsRefused) {
 }
 
 TEST(RulesFileTest, IdsAndSections) {
-  EXPECT_EQ(TRulesCatalogue::IdOf(u"7-Zip"), u"W2_7_Zip");
-  EXPECT_EQ(TRulesCatalogue::IdOf(u"Notepad++"), u"W2_Notepad__");
+  // W2_7_Zip and W2_Notepad__ are pinned by the rules file of the command's tests.
   EXPECT_EQ(TRulesCatalogue::IdOf(u"Caf\u00e9 Log"), u"W2_Caf__Log");
   const std::pair<int, const char16_t*> sections[] = {
       {3021, u"Anwendungen"}, {3022, u"Internet"}, {3029, u"Chromium-Browser"}, {0, u"Anwendungen"}};
